@@ -1,0 +1,15 @@
+// kiv/kiv.h - all of the library.
+
+#ifndef KIV_KIV_H
+#define KIV_KIV_H
+
+#include <kiv/buffer.h>
+#include <kiv/case_insensitive.h>
+#include <kiv/char16.h>
+#include <kiv/character.h>
+#include <kiv/charset.h>
+#include <kiv/export.h>
+#include <kiv/string_ref.h>
+#include <kiv/utility.h>
+
+#endif

@@ -1,0 +1,3 @@
+#include <kiv/char16.h>
+
+template class std::basic_string<kiv::char16>;
