@@ -1,0 +1,68 @@
+// Uses something of each public header, as a program outside the project.
+
+#include <cstdio>
+#include <cstdlib>
+#include <sstream>
+
+#include <kiv/kiv.h>
+
+namespace {
+
+int failures = 0;
+
+void check(bool ok, const char* what)
+{
+    if (!ok) {
+        std::fprintf(stderr, "consumer: %s\n", what);
+        ++failures;
+    }
+}
+
+// The registry must be there before a program's own static objects are built.
+const bool early = kiv::Charset::forName(u"latin1"_usv) == kiv::Charset::ISO_8859_1 &&
+                   kiv::Charset::UTF_8->decode("\xC3\xA9") == u"\u00E9"_us;
+
+template <class Error, class Action>
+bool throws(Action action)
+{
+    try {
+        action();
+    } catch (const Error&) {
+        return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+int main()
+{
+    check(early, "charsets during static initialisation");
+    check(kiv::Charset::UTF_8->encode(u"\U0001F600"_usv) == "\xF0\x9F\x98\x80", "encode");
+    check(kiv::Char16::isLetter(U'\u00E9') && kiv::isuspace(u' '), "classification");
+    check(kiv::cvtstr<std::wstring>(u"\U0001F600"_usv).size() ==
+              (sizeof(wchar_t) == 4 ? 1 : 2),
+          "cvtstr");
+    check(kiv::case_insensitive_equal_to<kiv::basic_string_ref<char>>()("Utf", "uTF"),
+          "case");
+
+    // Exceptions cross the library's border as their own types.
+    check(throws<kiv::MalformedInputError>(
+              [] { kiv::Charset::UTF_8->newDecoder()->decode("\xFF"); }),
+          "MalformedInputError");
+    check(throws<kiv::UnmappableCharacterError>(
+              [] { kiv::Charset::US_ASCII->newEncoder()->encode(u"\u20AC"_usv); }),
+          "UnmappableCharacterError");
+    check(throws<kiv::BufferUnderflowError>(
+              [] { kiv::Buffer<const unsigned char>(nullptr, 0).get(); }),
+          "BufferUnderflowError");
+    check(throws<std::out_of_range>([] { kiv::basic_string_ref<char>("x").at(1); }),
+          "out_of_range");
+
+    std::ostringstream os;
+    os << kiv::basic_string_ref<char>(kiv::type_info_name(typeid(kiv::char16)));
+    check(os.str() == "kiv::char16", "type_info_name");
+
+    std::puts(failures == 0 ? "consumer: ok" : "consumer: FAILED");
+    return failures == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+}
