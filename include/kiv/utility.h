@@ -41,7 +41,8 @@ struct HProfStats {
     std::uint64_t live;
 };
 
-struct InterpreterCallbacks;  // never read
+// Whatever a client registers is never read.
+struct InterpreterCallbacks {};
 
 KIV_API void StartRecording();
 KIV_API void StopRecording();
