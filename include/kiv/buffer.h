@@ -151,24 +151,22 @@ protected:
     }
     void init(T* elements, std::size_t position, std::size_t limit, std::size_t capacity);
 
-    Buffer<T>& put(T value);
-    Buffer<T>& put(std::size_t index, T value);
-    Buffer<T>& put(const T* src, std::size_t n);
+    // Also for a read-only buffer that refills itself; Buffer<T> makes them public.
+    void put(T value);
+    void put(std::size_t index, T value);
+    void put(const T* src, std::size_t n);
 
     // Transfers min(n, src.remaining()) elements. If the source throws, this
     // buffer's position is put back.
-    Buffer<T>& put(Buffer<const T>& src, std::size_t n);
-    Buffer<T>& put(Buffer<const T>& src);
+    void put(Buffer<const T>& src, std::size_t n = static_cast<std::size_t>(-1));
 
     // Moves what lies between position and limit to the front and makes the
     // rest writable.
-    Buffer<T>& compact();
+    void compact();
 
     T* data() const noexcept { return m_data; }
 
 private:
-    Buffer<T>& writable() noexcept;
-
     T* m_data;
 };
 
@@ -191,16 +189,28 @@ class KIV_API Buffer : public Buffer<const T> {
 public:
     Buffer(T* elements, std::size_t capacity) : Buffer<const T>(elements, capacity) {}
 
-    using BasicBuffer<T>::put;
-    using BasicBuffer<T>::compact;
     using BasicBuffer<T>::data;
+
+    Buffer& put(T value) { return BasicBuffer<T>::put(value), *this; }
+    Buffer& put(std::size_t index, T value)
+    {
+        return BasicBuffer<T>::put(index, value), *this;
+    }
+    Buffer& put(const T* src, std::size_t n)
+    {
+        return BasicBuffer<T>::put(src, n), *this;
+    }
+    Buffer& put(Buffer<const T>& src, std::size_t n = static_cast<std::size_t>(-1))
+    {
+        return BasicBuffer<T>::put(src, n), *this;
+    }
+    Buffer& compact() { return BasicBuffer<T>::compact(), *this; }
 
     // A literal index: without this, 0 is a null pointer as well.
     template <std::integral Index, std::convertible_to<T> Value>
     Buffer& put(Index index, Value value)
     {
-        return BasicBuffer<T>::put(static_cast<std::size_t>(index),
-                                   static_cast<T>(value));
+        return put(static_cast<std::size_t>(index), static_cast<T>(value));
     }
 };
 

@@ -116,65 +116,47 @@ Buffer<const T>& BasicBuffer<T>::get(T* dst, std::size_t n)
     return static_cast<Buffer<const T>&>(*this);
 }
 
-// Only Buffer<T> makes the writing operations public.
 template <class T>
-Buffer<T>& BasicBuffer<T>::writable() noexcept
-{
-    return static_cast<Buffer<T>&>(*this);
-}
-
-template <class T>
-Buffer<T>& BasicBuffer<T>::put(T value)
+void BasicBuffer<T>::put(T value)
 {
     const std::size_t to = next_put_index(1);
     m_data[to] = value;
-    return writable();
 }
 
 template <class T>
-Buffer<T>& BasicBuffer<T>::put(std::size_t index, T value)
+void BasicBuffer<T>::put(std::size_t index, T value)
 {
     m_data[check_index(index, 1)] = value;
-    return writable();
 }
 
 template <class T>
-Buffer<T>& BasicBuffer<T>::put(const T* src, std::size_t n)
+void BasicBuffer<T>::put(const T* src, std::size_t n)
 {
     const std::size_t to = next_put_index(n);
     if (n != 0)
         std::memmove(m_data + to, src, n * sizeof(T));
-    return writable();
 }
 
 template <class T>
-Buffer<T>& BasicBuffer<T>::put(Buffer<const T>& src, std::size_t n)
+void BasicBuffer<T>::put(Buffer<const T>& src, std::size_t n)
 {
     const std::size_t count = std::min(n, src.remaining());
     const std::size_t to = next_put_index(count);
     try {
         src.get(m_data + to, count);
     } catch (...) {
-        position(to);
+        position(std::min(to, limit()));  // the source's hook may lower the limit
         throw;
     }
-    return writable();
 }
 
 template <class T>
-Buffer<T>& BasicBuffer<T>::put(Buffer<const T>& src)
-{
-    return put(src, static_cast<std::size_t>(-1));
-}
-
-template <class T>
-Buffer<T>& BasicBuffer<T>::compact()
+void BasicBuffer<T>::compact()
 {
     const std::size_t n = remaining();
     if (n != 0)
         std::memmove(m_data, m_data + position(), n * sizeof(T));
     BufferBase::init(n, capacity(), capacity());
-    return writable();
 }
 
 template class BasicBuffer<unsigned char>;

@@ -81,9 +81,8 @@ int Char16::digit(char32_t cp, unsigned radix) noexcept
         d = static_cast<int>((cp | 0x20) - U'a') + 10;
     } else {
         d = kivUniCharDigitValue(value(cp));
-        const unsigned letters = radix > 10 ? radix - 10 : 0;
         for (const char32_t base : {U'\uFF21', U'\uFF41'})  // full-width A and a
-            if (d < 0 && cp - base < letters)
+            if (d < 0 && cp - base < 26)
                 d = static_cast<int>(cp - base) + 10;
     }
     return static_cast<unsigned>(d) < radix ? d : -1;

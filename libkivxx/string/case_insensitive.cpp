@@ -21,7 +21,7 @@ struct fold<char> {
     {
         return std::toupper(static_cast<unsigned char>(c));
     }
-    static bool same(char a, char b) noexcept { return a == b || key(a) == key(b); }
+    static int compare(char a, char b) noexcept { return a == b ? 0 : key(a) - key(b); }
 };
 
 template <>
@@ -35,13 +35,16 @@ struct fold<char16> {
     }
 
     // Most pairs are settled by one mapping of each.
-    static bool same(char16 a, char16 b) noexcept
+    static int compare(char16 a, char16 b) noexcept
     {
         if (a == b)
-            return true;
+            return 0;
         const char16 upper_a = touupper(a);
         const char16 upper_b = touupper(b);
-        return upper_a == upper_b || toulower(upper_a) == toulower(upper_b);
+        if (upper_a == upper_b)
+            return 0;
+        return Char16::toCodeUnit(toulower(upper_a)) -
+               Char16::toCodeUnit(toulower(upper_b));
     }
 };
 
@@ -51,11 +54,11 @@ template <class T>
 bool case_insensitive_less<T>::operator()(const T& a, const T& b) const noexcept
 {
     using folding = fold<typename T::value_type>;
-    const auto [p, q] =
-        std::mismatch(a.begin(), a.end(), b.begin(), b.end(), folding::same);
-    if (p == a.end() || q == b.end())
-        return p == a.end() && q != b.end();
-    return folding::key(*p) < folding::key(*q);
+    const std::size_t common = std::min(a.size(), b.size());
+    for (std::size_t i = 0; i < common; ++i)
+        if (const int order = folding::compare(a[i], b[i]); order != 0)
+            return order < 0;
+    return a.size() < b.size();
 }
 
 template <class T>
@@ -63,7 +66,8 @@ bool case_insensitive_equal_to<T>::operator()(const T& a, const T& b) const noex
 {
     using folding = fold<typename T::value_type>;
     return a.size() == b.size() &&
-           std::equal(a.begin(), a.end(), b.begin(), folding::same);
+           std::equal(a.begin(), a.end(), b.begin(),
+                      [](auto x, auto y) { return folding::compare(x, y) == 0; });
 }
 
 template <class T>
