@@ -104,14 +104,14 @@ private:
             }
             if (result.isOverflow())
                 return result;
-            if (result.length() == 0)  // would be met again for ever
-                throw CoderMalfunctionError(Names::EMPTY_FAULT);
-            if (!drops(coder, in, result)) {
+            if (result.length() == 0 || !drops(coder, in, result)) {
                 const CodingErrorAction action = result.isMalformed()
                                                      ? coder.m_malformedInputAction
                                                      : coder.m_unmappableCharacterAction;
                 if (action == CodingErrorAction::REPORT)
                     return result;
+                if (result.length() == 0)  // would be met again for ever
+                    throw CoderMalfunctionError(Names::EMPTY_FAULT);
                 if (action == CodingErrorAction::REPLACE) {
                     const auto& replacement = coder.m_replacement;
                     if (out.remaining() < replacement.size())

@@ -168,9 +168,9 @@ bool CharsetEncoder::canEncode(Buffer<const char16>& in)
         m_malformedInputAction = malformed;
         m_unmappableCharacterAction = unmappable;
         m_state = CodingEngine::RESET;
+        implReset();
         implOnMalformedInput(malformed);
         implOnUnmappableCharacter(unmappable);
-        implReset();
     };
     bool encodable = true;
     try {

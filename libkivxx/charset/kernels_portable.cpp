@@ -28,8 +28,7 @@ template <class In, class Out>
 std::size_t common_size(const In* in, const In* in_end, const Out* out,
                         const Out* out_end) noexcept
 {
-    return static_cast<std::size_t>(
-        std::min<std::ptrdiff_t>(in_end - in, out_end - out));
+    return static_cast<std::size_t>(std::min<std::ptrdiff_t>(in_end - in, out_end - out));
 }
 
 // --- One byte, one unit ---------------------------------------------------------
@@ -116,7 +115,10 @@ EncodeProgress encode_utf8(const char16* in, const char16* in_end, unsigned char
 
 // --- UTF-16 -----------------------------------------------------------------------
 
-bool is_surrogate(char16_t unit) noexcept { return (unit & 0xF800) == 0xD800; }
+bool is_surrogate(char16_t unit) noexcept
+{
+    return (unit & 0xF800) == 0xD800;
+}
 
 // The byte of a pair that holds the upper half of the unit.
 template <bool little_endian>

@@ -2,9 +2,9 @@
 
 #if defined(__SSE2__)
 
-#include "charset/sse2.h"
+    #include "charset/sse2.h"
 
-#include <algorithm>
+    #include <algorithm>
 
 namespace kiv {
 namespace {
@@ -15,8 +15,7 @@ template <class In, class Out>
 std::size_t common_size(const In* in, const In* in_end, const Out* out,
                         const Out* out_end) noexcept
 {
-    return static_cast<std::size_t>(
-        std::min<std::ptrdiff_t>(in_end - in, out_end - out));
+    return static_cast<std::size_t>(std::min<std::ptrdiff_t>(in_end - in, out_end - out));
 }
 
 // --- One byte, one unit ---------------------------------------------------------
@@ -99,7 +98,10 @@ __m128i in_order(__m128i v) noexcept
     return swapped ? _mm_or_si128(_mm_slli_epi16(v, 8), _mm_srli_epi16(v, 8)) : v;
 }
 
-bool any_lane(__m128i mask) noexcept { return any_top_bit(mask); }
+bool any_lane(__m128i mask) noexcept
+{
+    return any_top_bit(mask);
+}
 
 __m128i surrogates(__m128i units) noexcept
 {

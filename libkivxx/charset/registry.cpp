@@ -72,7 +72,7 @@ struct CharsetRegistry {
     }
 
 private:
-    // The order decides which charset is found last for a shared alias.
+    // In the order of the documentation.
     static void register_charsets()
     {
         us_ascii.build();

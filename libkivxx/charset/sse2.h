@@ -7,12 +7,19 @@
 
 #include <emmintrin.h>
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
 #include "charset/kernels.h"
+
+// Packing the two pointers of a progress into one vector, which g++ thinks
+// clever, makes every function that returns one wait for its own stores.
+#if defined(__GNUC__) && !defined(__clang__)
+    #pragma GCC optimize("no-tree-slp-vectorize")
+#endif
 
 namespace kiv::sse2 {
 
@@ -55,18 +62,32 @@ inline std::uint32_t top_bits(__m128i v) noexcept
     return static_cast<std::uint32_t>(_mm_movemask_epi8(v));
 }
 
-inline bool any_top_bit(__m128i v) noexcept { return top_bits(v) != 0; }
+inline bool any_top_bit(__m128i v) noexcept
+{
+    return top_bits(v) != 0;
+}
 inline bool all_zero(__m128i v) noexcept
 {
     return top_bits(_mm_cmpeq_epi8(v, _mm_setzero_si128())) == 0xFFFF;
 }
 
-// Four groups of 16 bits, the first at the bottom.
-inline std::uint64_t join(std::uint32_t a, std::uint32_t b, std::uint32_t c,
-                          std::uint32_t d) noexcept
-{
-    return std::uint64_t{a | b << 16} | std::uint64_t{c | d << 16} << 32;
-}
+// Where four groups of 16 elements cover the first `size`, 16 to 64, of an array:
+// the last ones overlap if there are fewer than 64.
+struct Groups {
+    explicit Groups(std::size_t size) noexcept
+    {
+        for (std::size_t i = 0; i < 4; ++i)
+            at[i] = std::min(16 * i, size - 16);
+    }
+    // The bits of the groups at their places.
+    std::uint64_t join(const std::uint32_t (&bits)[4]) const noexcept
+    {
+        return std::uint64_t{bits[0]} << at[0] | std::uint64_t{bits[1]} << at[1] |
+               std::uint64_t{bits[2]} << at[2] | std::uint64_t{bits[3]} << at[3];
+    }
+
+    std::size_t at[4];
+};
 
 // Position of the lowest bit, `none` if there is none. Written so that it
 // becomes a conditional move.

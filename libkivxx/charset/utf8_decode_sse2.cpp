@@ -8,10 +8,10 @@
 
 #if defined(__SSE2__)
 
-#include <iterator>
+    #include <algorithm>
 
-#include "charset/sse2.h"
-#include "charset/utf8_sequence.h"
+    #include "charset/sse2.h"
+    #include "charset/utf8_sequence.h"
 
 namespace kiv::sse2 {
 namespace {
@@ -31,22 +31,21 @@ __m128i pairs_to_units(__m128i v) noexcept
     return _mm_or_si128(high, low);
 }
 
-// Moves p past the leading good lanes, of which each holds `bytes` and gave
-// `units`. Whether any was good. That all are is common, and a branch on it lets
-// the next step begin before their number is known.
-template <std::size_t bytes, std::size_t units, std::size_t lanes>
-bool advance(DecodeProgress& p, std::uint32_t good) noexcept
+// The number of leading lanes of four bits or two that have the right shape,
+// without those from the first bad value on. Bad values are so rare that a branch
+// is better than waiting for them.
+template <std::size_t bits>
+std::size_t leading_lanes(std::uint32_t shape, std::uint32_t bad) noexcept
 {
-    std::size_t n = lanes;
-    if (good != 0xFFFF)
-        n = lowest_bit(~good, 0) / (VECTOR_BYTES / lanes);
-    p.in += bytes * n;
-    p.out += units * n;
-    return n != 0;
+    std::size_t n = lowest_bit(~shape, 0);
+    const std::uint32_t fault = bad & ((std::uint32_t{1} << n) - 1);
+    if (fault)
+        n = lowest_bit(fault, 0);
+    return n / bits;
 }
 
-// The good 2-byte sequences at p, up to eight. Whether there is one.
-bool decode_pairs(DecodeProgress& p) noexcept
+// The good 2-byte sequences at p, up to eight. Returns where they end.
+DecodeProgress decode_pairs(DecodeProgress p) noexcept
 {
     const __m128i v = load(p.in);
     const __m128i units = pairs_to_units(v);
@@ -54,8 +53,8 @@ bool decode_pairs(DecodeProgress& p) noexcept
     const __m128i shape =
         _mm_cmpeq_epi16(_mm_and_si128(v, splat16(0xC0E0)), splat16(0x80C0));
     const __m128i overlong = _mm_cmplt_epi16(units, splat16(0x80));
-    const std::uint32_t good = top_bits(_mm_andnot_si128(overlong, shape));
-    return advance<2, 1, 8>(p, good);
+    const std::size_t n = leading_lanes<2>(top_bits(shape), top_bits(overlong));
+    return {p.in + 2 * n, p.out + n};
 }
 
 // Four 3-byte sequences, one in each lane.
@@ -88,8 +87,8 @@ __m128i has_triple_shape(__m128i v) noexcept
     return _mm_cmpeq_epi32(_mm_and_si128(v, splat32(0x00C0C0F0)), splat32(0x008080E0));
 }
 
-// The good 3-byte sequences at p, up to eight. Whether there is one.
-bool decode_triples(DecodeProgress& p) noexcept
+// The good 3-byte sequences at p, up to eight. Returns where they end.
+DecodeProgress decode_triples(DecodeProgress p) noexcept
 {
     const __m128i a = load_triples(p.in);
     const __m128i b = load_triples(p.in + 12);
@@ -99,12 +98,16 @@ bool decode_triples(DecodeProgress& p) noexcept
     const __m128i top = _mm_and_si128(units, splat16(0xF800));
     const __m128i bad = _mm_or_si128(_mm_cmpeq_epi16(top, splat16(0xD800)),
                                      _mm_cmpeq_epi16(top, _mm_setzero_si128()));
-    const std::uint32_t good = top_bits(_mm_andnot_si128(bad, shape));
-    return advance<3, 1, 8>(p, good);
+    // Long runs are common: a branch on eight lets the next step begin before
+    // their number is known.
+    if (top_bits(_mm_andnot_si128(bad, shape)) == 0xFFFF)
+        return {p.in + 24, p.out + 8};
+    const std::size_t n = leading_lanes<2>(top_bits(shape), top_bits(bad));
+    return {p.in + 3 * n, p.out + n};
 }
 
-// The good 4-byte sequences at p, up to four. Whether there is one.
-bool decode_quads(DecodeProgress& p) noexcept
+// The good 4-byte sequences at p, up to four. Returns where they end.
+DecodeProgress decode_quads(DecodeProgress p) noexcept
 {
     const auto field = [](__m128i shifted, unsigned mask) {
         return _mm_and_si128(shifted, splat32(mask));
@@ -123,81 +126,55 @@ bool decode_quads(DecodeProgress& p) noexcept
     const __m128i shape = _mm_cmpeq_epi32(field(v, 0xC0C0C0F8), splat32(0x808080F0));
     const __m128i in_range =
         _mm_cmpeq_epi32(field(high, 0xFFFFFC00), _mm_setzero_si128());
-    const std::uint32_t good = top_bits(_mm_and_si128(shape, in_range));
-    return advance<4, 2, 4>(p, good);
+    const std::size_t n = leading_lanes<4>(top_bits(shape), ~top_bits(in_range));
+    return {p.in + 4 * n, p.out + 2 * n};
 }
 
-// One 3-byte sequence. Whether it is good. Reads four bytes.
-bool decode_triple(DecodeProgress& p) noexcept
-{
-    std::uint32_t w;
-    std::memcpy(&w, p.in, sizeof w);
-    const std::uint32_t value =
-        (w << 12 & 0xF000) | (w >> 2 & 0x0FC0) | (w >> 16 & 0x003F);
-    if ((w & 0x00C0C0F0) != 0x008080E0 || value < 0x800 || (value & 0xF800) == 0xD800)
-        return false;
-    *p.out++ = utf8::to_unit(value);
-    p.in += 3;
-    return true;
-}
-
-// One 4-byte sequence. Whether it is good.
-bool decode_quad(DecodeProgress& p) noexcept
-{
-    std::uint32_t w;
-    std::memcpy(&w, p.in, sizeof w);
-    const std::uint32_t high =
-        ((w << 8 & 0x700) | (w >> 6 & 0xFC) | (w >> 20 & 0x3)) - 0x40;
-    const std::uint32_t low = (w << 6 & 0x03C00000) | (w >> 8 & 0x003F0000);
-    if ((w & 0xC0C0C0F8) != 0x808080F0 || high > 0x3FF)
-        return false;
-    const std::uint32_t both = high | low | 0xDC00D800;
-    std::memcpy(static_cast<void*>(p.out), &both, sizeof both);
-    p.out += 2;
-    p.in += 4;
-    return true;
-}
-
-// Converts up to the next ASCII character. Returns false at a fault, or where
-// too little is left of the input or the output. Vectors pay off only for long
-// runs, which the last lead byte that they would take tells.
-bool decode_non_ascii(DecodeProgress& p, const unsigned char* in_end,
-                      const char16* out_end) noexcept
+// Converts up to the next ASCII character. Stops before that at a fault, or where
+// too little is left of the input or the output.
+DecodeProgress decode_non_ascii(DecodeProgress p, const unsigned char* in_end,
+                                const char16* out_end) noexcept
 {
     while (in_end - p.in >= 24 && out_end - p.out >= 8) {
         const unsigned lead = *p.in;
-        if (lead < 0x80)
-            return true;
-        bool good;
+        const unsigned char* const before = p.in;
         if (lead >= 0xF0)
-            good = p.in[12] >= 0xF0 ? decode_quads(p) : decode_quad(p);
+            p = decode_quads(p);
         else if (lead >= 0xE0)
-            good = p.in[21] >= 0xE0 ? decode_triples(p) : decode_triple(p);
-        else
-            good = decode_pairs(p);
-        if (!good)
-            return false;
+            p = decode_triples(p);
+        else if (lead >= 0xC0)
+            p = decode_pairs(p);
+        if (p.in == before)
+            break;
     }
-    return false;
+    return p;
 }
 
 // --- Blocks -------------------------------------------------------------------
 
+bool any_above(__m128i bytes, unsigned limit) noexcept
+{
+    return !all_zero(_mm_subs_epu8(bytes, splat8(limit)));
+}
+
 struct Block {
     std::uint64_t non_ascii;
-    bool pairs_only;  // and those are good, but for a lead byte at the end
+    // And those are good. The last byte of a full block may be a lead byte.
+    bool pairs_only;
 };
 
-Block classify(const unsigned char* in) noexcept
+// The block of `size` bytes, at least 16.
+inline Block classify(const unsigned char* in, std::size_t size) noexcept
 {
-    const __m128i v[4] = {load(in), load(in + 16), load(in + 32), load(in + 48)};
+    const Groups groups(size);
+    const __m128i v[4] = {load(in + groups.at[0]), load(in + groups.at[1]),
+                          load(in + groups.at[2]), load(in + groups.at[3])};
     const std::uint64_t non_ascii =
-        join(top_bits(v[0]), top_bits(v[1]), top_bits(v[2]), top_bits(v[3]));
+        groups.join({top_bits(v[0]), top_bits(v[1]), top_bits(v[2]), top_bits(v[3])});
     if (non_ascii == 0)
         return {0, true};
-    const __m128i most =
-        _mm_max_epu8(_mm_max_epu8(v[0], v[1]), _mm_max_epu8(v[2], v[3]));
-    if (!all_zero(_mm_subs_epu8(most, splat8(0xDF))))
+    const __m128i most = _mm_max_epu8(_mm_max_epu8(v[0], v[1]), _mm_max_epu8(v[2], v[3]));
+    if (any_above(most, 0xDF))
         return {non_ascii, false};
     // Signed comparison: 0x80 to 0xBF are the lowest values.
     const auto trails = [](__m128i x) {
@@ -206,138 +183,164 @@ Block classify(const unsigned char* in) noexcept
     const auto overlong = [](__m128i x) {
         return _mm_cmpeq_epi8(_mm_and_si128(x, splat8(0xFE)), splat8(0xC0));
     };
-    const std::uint64_t trail = join(trails(v[0]), trails(v[1]), trails(v[2]), trails(v[3]));
+    const std::uint64_t trail =
+        groups.join({trails(v[0]), trails(v[1]), trails(v[2]), trails(v[3])});
     const std::uint64_t lead = non_ascii & ~trail;
     const __m128i bad = _mm_or_si128(_mm_or_si128(overlong(v[0]), overlong(v[1])),
                                      _mm_or_si128(overlong(v[2]), overlong(v[3])));
     return {non_ascii, trail == lead << 1 && !any_top_bit(bad)};
 }
 
+// A block inside the input: vectors may reach past it, and the output has room.
+struct InnerBlock {
+    const unsigned char* in;
+    static constexpr std::size_t size = BLOCK;
+
+    const unsigned char* from(std::size_t) const noexcept { return in; }
+    bool has_room(const char16*, std::size_t) const noexcept { return true; }
+};
+
+// A block near the end of the input or the output. Where a vector would reach
+// past the input, it is read from a copy.
+struct LastBlock {
+    const unsigned char* in;
+    const unsigned char* copy;
+    std::size_t size;
+    std::size_t readable;  // bytes from `in`
+    const char16* out_end;
+
+    // Where bytes before `end` are read.
+    const unsigned char* from(std::size_t end) const noexcept
+    {
+        return end <= readable ? in : copy;
+    }
+    bool has_room(const char16* out, std::size_t units) const noexcept
+    {
+        return out_end - out >= static_cast<std::ptrdiff_t>(units);
+    }
+};
+
 // ASCII from p.in up to `end`, at least `step` bytes of it at once.
 template <std::size_t step>
-void decode_ascii_run(DecodeProgress& p, const unsigned char* end) noexcept
+DecodeProgress decode_ascii_run(DecodeProgress p, const unsigned char* end) noexcept
 {
-    const unsigned char* in = p.in;
-    char16* out = p.out;
-    p.out += end - in;
-    p.in = end;
+    const DecodeProgress result{end, p.out + (end - p.in)};
     do {
         for (std::size_t i = 0; i < step; i += VECTOR_BYTES)
-            widen16(in + i, out + i);
-        in += step;
-        out += step;
-    } while (in < end);
+            widen16(p.in + i, p.out + i);
+        p.in += step;
+        p.out += step;
+    } while (p.in < end);
+    return result;
 }
 
 // Good pairs from p.in up to `end`, at least `step` bytes of them at once.
 template <std::size_t step>
-void decode_pair_run(DecodeProgress& p, const unsigned char* end) noexcept
+DecodeProgress decode_pair_run(DecodeProgress p, const unsigned char* end) noexcept
 {
-    const unsigned char* in = p.in;
-    char16* out = p.out;
-    p.out += (end - in) / 2;
-    p.in = end;
+    const DecodeProgress result{end, p.out + (end - p.in) / 2};
     do {
         for (std::size_t i = 0; i < step; i += VECTOR_BYTES)
-            store(out + i / 2, pairs_to_units(load(in + i)));
-        in += step;
-        out += step / 2;
-    } while (in < end);
+            store(p.out + i / 2, pairs_to_units(load(p.in + i)));
+        p.in += step;
+        p.out += step / 2;
+    } while (p.in < end);
+    return result;
 }
 
-// The steps are such that runs of a usual length need one.
-template <std::size_t ascii_step, std::size_t pair_step>
-void decode_pairs_block(DecodeProgress& p, std::uint64_t non_ascii) noexcept
+// A block of ASCII and good pairs. The steps are such that runs of a usual length
+// need one.
+template <std::size_t ascii_step, std::size_t pair_step, class Source>
+DecodeProgress decode_pairs_block(const Source& block, std::uint64_t non_ascii,
+                                  char16* out) noexcept
 {
-    const unsigned char* const begin = p.in;
-    const std::size_t size = begin[BLOCK - 1] >= 0xC0 ? BLOCK - 1 : BLOCK;
+    constexpr std::size_t step = std::max(ascii_step, pair_step);
+    constexpr std::size_t reach = std::max(ascii_step, pair_step / 2);  // in units
+    const bool cut = block.in[block.size - 1] >= 0xC0;                  // the last pair
+    const std::size_t size = block.size - (cut ? 1 : 0);
     RunEdges edges(non_ascii, size);
+    std::size_t at = 0;
     do {
         const std::size_t pairs = edges.next();
-        const std::size_t ascii = edges.next();
-        decode_ascii_run<ascii_step>(p, begin + pairs);
-        decode_pair_run<pair_step>(p, begin + ascii);
-    } while (p.in < begin + size);
+        const std::size_t end = edges.next();
+        if (!block.has_room(out, pairs - at + (end - pairs) / 2 + reach))
+            break;
+        const unsigned char* const in = block.from(end + step);
+        const DecodeProgress p = decode_ascii_run<ascii_step>({in + at, out}, in + pairs);
+        out = decode_pair_run<pair_step>(p, in + end).out;
+        at = end;
+    } while (at < size);
+    return {block.in + at, out};
+}
+
+template <class Source>
+DecodeProgress decode_pairs_block(const Source& block, std::uint64_t non_ascii,
+                                  char16* out) noexcept
+{
+    // Two pairs side by side are a script like Cyrillic; in Latin text the pairs
+    // are single and the runs of ASCII long.
+    return non_ascii & non_ascii >> 2 ? decode_pairs_block<16, 32>(block, non_ascii, out)
+                                      : decode_pairs_block<32, 16>(block, non_ascii, out);
 }
 
 // A block with longer sequences, or with a fault. A run that reaches past the
-// block is converted to its end.
-bool decode_mixed_block(DecodeProgress& p, std::uint64_t non_ascii,
-                        const unsigned char* in_end, const char16* out_end) noexcept
+// block is converted to its end. Stops within the block as decode_non_ascii().
+DecodeProgress decode_mixed_block(DecodeProgress p, std::uint64_t non_ascii,
+                                  const unsigned char* in_end,
+                                  const char16* out_end) noexcept
 {
     const unsigned char* const begin = p.in;
     RunEdges edges(non_ascii, BLOCK);
     do {
-        decode_ascii_run<VECTOR_BYTES>(p, begin + edges.next());
-        edges.next();
-        if (p.in >= begin + BLOCK)
+        p = decode_ascii_run<VECTOR_BYTES>(p, begin + edges.next());
+        if (p.in == begin + BLOCK)
             break;
-        if (!decode_non_ascii(p, in_end, out_end))
-            return false;
-    } while (p.in < begin + BLOCK);
-    return true;
+        p = decode_non_ascii(p, in_end, out_end);
+    } while (p.in == begin + edges.next() && p.in < begin + BLOCK);
+    return p;
+}
+
+DecodeProgress decode_block(DecodeProgress p, const unsigned char* in_end,
+                            const char16* out_end) noexcept
+{
+    if (*p.in >= 0xE0)
+        return decode_non_ascii(p, in_end, out_end);
+    const Block block = classify(p.in, BLOCK);
+    if (block.non_ascii == 0)
+        return decode_ascii_run<BLOCK>(p, p.in + BLOCK);
+    if (!block.pairs_only)
+        return decode_mixed_block(p, block.non_ascii, in_end, out_end);
+    return decode_pairs_block(InnerBlock{p.in}, block.non_ascii, p.out);
 }
 
 // Converts blocks that begin before `stop`. From there, REACH bytes must be
-// readable. Returns false as decode_non_ascii().
-bool decode_blocks(DecodeProgress& p, const unsigned char* stop,
-                   const unsigned char* in_end, const char16* out_end) noexcept
+// readable. Stops before that at a fault, or where too little is left of the
+// output.
+DecodeProgress decode_blocks(DecodeProgress p, const unsigned char* stop,
+                             const unsigned char* in_end, const char16* out_end) noexcept
 {
     while (p.in < stop && out_end - p.out >= static_cast<std::ptrdiff_t>(REACH)) {
-        if (*p.in >= 0xE0) {
-            if (!decode_non_ascii(p, in_end, out_end))
-                return false;
-            continue;
-        }
-        const Block block = classify(p.in);
-        if (block.non_ascii == 0) {
-            for (std::size_t i = 0; i < BLOCK; i += VECTOR_BYTES)
-                widen16(p.in + i, p.out + i);
-            p.in += BLOCK;
-            p.out += BLOCK;
-        } else if (block.pairs_only) {
-            // Two pairs side by side are a script like Cyrillic; in Latin text
-            // the pairs are single and the runs of ASCII long.
-            if (block.non_ascii & block.non_ascii >> 2)
-                decode_pairs_block<16, 32>(p, block.non_ascii);
-            else
-                decode_pairs_block<32, 16>(p, block.non_ascii);
-        } else if (!decode_mixed_block(p, block.non_ascii, in_end, out_end)) {
-            return false;
-        }
+        const unsigned char* const before = p.in;
+        p = decode_block(p, in_end, out_end);
+        if (p.in == before)
+            break;
     }
-    return true;
+    return p;
 }
 
-// The last bytes, fewer than REACH, by way of a copy with zeros behind it. The
-// zeros are decoded too and taken back. Does nothing if the units do not fit.
-void decode_rest(DecodeProgress& p, const unsigned char* in_end,
-                 const char16* out_end) noexcept
+// The last bytes, fewer than REACH, as far as they are ASCII and pairs.
+DecodeProgress decode_rest(DecodeProgress p, const unsigned char* in_end,
+                           const char16* out_end) noexcept
 {
-    unsigned char bytes[2 * REACH];
-    char16 units[3 * REACH];
-    const auto size = static_cast<std::size_t>(in_end - p.in);
-    copy_padded(p.in, size, bytes, REACH);
-
-    const bool direct = out_end - p.out >= static_cast<std::ptrdiff_t>(std::size(units));
-    DecodeProgress q{bytes, direct ? p.out : units};
-    decode_blocks(q, bytes + size, std::end(bytes), direct ? out_end : std::end(units));
-
-    std::size_t done = static_cast<std::size_t>(q.in - bytes);
-    if (done > size) {
-        q.out -= done - size;
-        done = size;
-    }
-    if (direct) {
-        p.out = q.out;
-    } else {
-        const std::ptrdiff_t n = q.out - units;
-        if (n > out_end - p.out)
-            return;
-        copy_short(units, static_cast<std::size_t>(n) * sizeof(char16), p.out);
-        p.out += n;
-    }
-    p.in += done;
+    const auto left = static_cast<std::size_t>(in_end - p.in);
+    const std::size_t size = std::min(left, BLOCK);
+    unsigned char copy[REACH + VECTOR_BYTES];
+    copy_padded(p.in, size, copy, REACH - size);
+    const Block block = classify(p.in, size);
+    if (!block.pairs_only)
+        return p;
+    const LastBlock last{p.in, copy, size, left, out_end};
+    return decode_pairs_block(last, block.non_ascii, p.out);
 }
 
 }  // namespace
@@ -348,15 +351,18 @@ DecodeProgress decode_utf8(const unsigned char* in, const unsigned char* in_end,
     DecodeProgress p{in, out};
     constexpr auto reach = static_cast<std::ptrdiff_t>(REACH);
     if (in_end - in >= reach)
-        decode_blocks(p, in_end - (reach - 1), in_end, out_end);
+        p = decode_blocks(p, in_end - (reach - 1), in_end, out_end);
     if (in_end - p.in < reach) {
         while (in_end - p.in >= 16 && out_end - p.out >= 16 && !any_top_bit(load(p.in))) {
             widen16(p.in, p.out);
-            p.in += VECTOR_BYTES;
-            p.out += VECTOR_BYTES;
+            p = {p.in + VECTOR_BYTES, p.out + VECTOR_BYTES};
         }
-        if (in_end - p.in >= 16)
-            decode_rest(p, in_end, out_end);
+        if (in_end - p.in >= 24 && *p.in >= 0xE0)
+            p = decode_non_ascii(p, in_end, out_end);
+        // For mixed text the plain loop is as good, so that a look at its front
+        // saves the classification.
+        if (in_end - p.in >= 16 && !any_above(load(p.in), 0xDF))
+            p = decode_rest(p, in_end, out_end);
     }
     // What is left is short, or stands before a fault or a full output.
     if (p.in == in_end)

@@ -20,7 +20,10 @@ inline char16 to_unit(std::uint32_t value) noexcept
     return static_cast<char16_t>(value);
 }
 
-inline bool is_trail(std::uint32_t byte) noexcept { return (byte & 0xC0) == 0x80; }
+inline bool is_trail(std::uint32_t byte) noexcept
+{
+    return (byte & 0xC0) == 0x80;
+}
 
 // Decodes the sequence at p.in. Returns false, leaving p as it was, if it is
 // not well-formed, not complete, or if its units do not fit.

@@ -73,11 +73,9 @@ std::string_view locale_name() noexcept
 // What a locale name says about its codeset: language_TERRITORY.codeset@modifier.
 std::string_view written_codeset(std::string_view name) noexcept
 {
+    name = name.substr(0, name.find('@'));
     const std::size_t dot = name.find('.');
-    if (dot == std::string_view::npos)
-        return {};
-    const std::size_t at = name.find('@', dot);
-    return name.substr(dot + 1, at == std::string_view::npos ? at : at - dot - 1);
+    return dot == std::string_view::npos ? std::string_view() : name.substr(dot + 1);
 }
 
 }  // namespace
