@@ -65,7 +65,13 @@ public:
     BufferBase& limit(std::size_t n);
 
     // Throws std::invalid_argument if n > limit().
-    BufferBase& position(std::size_t n);
+    BufferBase& position(std::size_t n)
+    {
+        if (n > m_limit)
+            throw std::invalid_argument("new_position > limit()");
+        m_position = n;
+        return *this;
+    }
 
     // Makes what was written readable: the limit goes to the position, the
     // position to 0.

@@ -47,14 +47,6 @@ BufferBase& BufferBase::limit(std::size_t n)
     return *this;
 }
 
-BufferBase& BufferBase::position(std::size_t n)
-{
-    if (n > m_limit)
-        throw std::invalid_argument("new_position > limit()");
-    m_position = n;
-    return *this;
-}
-
 std::size_t BufferBase::check_index(std::size_t index, std::size_t n) const
 {
     if (index >= m_limit || m_limit - index < n)

@@ -1,5 +1,7 @@
 #include "charset/name_less.h"
 
+#include <array>
+
 #include <kiv/character.h>
 
 namespace kiv {
@@ -11,6 +13,16 @@ constexpr bool is_digit(char16 c) noexcept
     return c >= u'0' && c <= u'9';
 }
 
+// What each ASCII character contributes to a key, 0 for nothing.
+constexpr auto KEYS = [] {
+    std::array<unsigned char, 0x80> keys{};
+    for (unsigned char c = 'A'; c <= 'Z'; ++c)
+        keys[c] = keys[c + 0x20U] = c;
+    for (unsigned char c = '0'; c <= '9'; ++c)
+        keys[c] = c;
+    return keys;
+}();
+
 // Walks the matching key of a name. Everything but ASCII letters and digits is
 // passed over, so surrogate pairs need no joining.
 class MatchingKey {
@@ -18,16 +30,13 @@ public:
     explicit MatchingKey(basic_string_ref<char16> name) noexcept : m_name(name) {}
 
     // The next unit of the key, 0 at its end.
-    char16_t next() noexcept
+    unsigned next() noexcept
     {
         while (m_at < m_name.size()) {
-            const char16_t unit = Char16::toCodeUnit(m_name[m_at++]);
-            if (unit >= u'a' && unit <= u'z')
-                return static_cast<char16_t>(unit - u'a' + u'A');
-            if ((unit >= u'A' && unit <= u'Z') || (unit >= u'1' && unit <= u'9'))
-                return unit;
-            if (unit == u'0' && zero_counts())
-                return unit;
+            const unsigned unit = Char16::toCodeUnit(m_name[m_at++]);
+            const unsigned key = unit < KEYS.size() ? KEYS[unit] : 0U;
+            if (key != 0 && (key != '0' || zero_counts()))
+                return key;
         }
         return 0;
     }
@@ -57,8 +66,8 @@ bool NameLess<basic_string_ref<char16>>::operator()(
     MatchingKey key_a(a);
     MatchingKey key_b(b);
     for (;;) {
-        const char16_t unit_a = key_a.next();
-        const char16_t unit_b = key_b.next();
+        const unsigned unit_a = key_a.next();
+        const unsigned unit_b = key_b.next();
         if (unit_a != unit_b)
             return unit_a < unit_b;
         if (unit_a == 0)

@@ -15,12 +15,6 @@
 
 #include "charset/kernels.h"
 
-// Packing the two pointers of a progress into one vector, which g++ thinks
-// clever, makes every function that returns one wait for its own stores.
-#if defined(__GNUC__) && !defined(__clang__)
-    #pragma GCC optimize("no-tree-slp-vectorize")
-#endif
-
 namespace kiv::sse2 {
 
 DecodeProgress decode_utf8(const unsigned char* in, const unsigned char* in_end,

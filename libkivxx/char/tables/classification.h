@@ -30,13 +30,14 @@ constexpr std::uint16_t CLASSIFICATION_UNIFORM = 0x8000;
 extern const std::uint16_t classification_index[4096];
 extern const std::uint16_t classification_data[5856];
 
-// The MASK_ bits of any unit: two array reads at most.
-inline std::uint16_t classification_mask(std::uint16_t unit) noexcept
+// The MASK_ bits of any unit. Without a branch: in mixed text, which kind of
+// block comes next is a coin toss.
+inline unsigned classification_mask(std::uint16_t unit) noexcept
 {
-    const std::uint16_t entry = classification_index[unit >> 4];
-    if (entry & CLASSIFICATION_UNIFORM)
-        return entry & 0x7FFF;
-    return classification_data[entry + (unit & 15)];
+    const unsigned entry = classification_index[unit >> 4];
+    const unsigned uniform = 0U - (entry >> 15);  // all ones or all zeros
+    const unsigned at = (entry + (unit & 15U)) & ~uniform;
+    return (entry & 0x7FFF & uniform) | (classification_data[at] & ~uniform);
 }
 
 }  // namespace kiv::tables
