@@ -31,11 +31,16 @@ public:
         return static_cast<std::size_t>(out_end - out);
     }
 
-    // Runs a kernel over what is left.
+    // Runs a kernel over what is left, or over the front part of it.
     template <class Kernel>
     void run(Kernel kernel)
     {
-        const auto progress = kernel(in, in_end, out, out_end);
+        run(kernel, in_end);
+    }
+    template <class Kernel>
+    void run(Kernel kernel, const In* part_end)
+    {
+        const auto progress = kernel(in, part_end, out, out_end);
         in = progress.in;
         out = progress.out;
     }

@@ -1,5 +1,7 @@
 #include "charset/utf_8.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 
 #include <kiv/character.h>
@@ -86,6 +88,22 @@ bool encode_one(EncodeSpan& span)
     span.in = progress.in;
     span.out = progress.out;
     return encoded;
+}
+
+// The first unit of a kind, or the end. The inner loop has no exit, so that it
+// becomes wide instructions.
+template <class Unit, class Kind>
+const Unit* find_in_blocks(const Unit* p, const Unit* end, Kind is_kind)
+{
+    constexpr std::ptrdiff_t BLOCK = 32;
+    for (; end - p >= BLOCK; p += BLOCK) {
+        unsigned found = 0;
+        for (std::ptrdiff_t i = 0; i < BLOCK; ++i)
+            found |= is_kind(p[i]) ? 1U : 0U;
+        if (found != 0)
+            break;
+    }
+    return std::find_if(p, end, is_kind);
 }
 
 // A surrogate by itself, ED A0..BF 80..BF.
@@ -178,9 +196,15 @@ private:
     CoderResult decodeLoop(Buffer<const unsigned char>& in, Buffer<char16>& out) override
     {
         DecodeSpan span(in, out);
+        // UTF-8 but for the sequences of four bytes: those are kept from the
+        // kernel. A unit takes three bytes at most, so nothing is looked at
+        // that this step will not reach.
+        const std::size_t within = std::min(span.in_left() / 3, span.out_left()) * 3;
+        const unsigned char* stop = find_in_blocks(
+            span.in, span.in + within, [](unsigned char byte) { return byte >= 0xF0; });
         do {
-            if (span.in_left() >= 8 && *span.in < 0x80)
-                span.run(kernels().decode_ascii);
+            if (span.in < stop)
+                span.run(kernels().decode_utf8, stop);
             if (span.in == span.in_end)
                 return span.finish(CoderResult::underflow());
         } while ((*span.in < 0xF0 && decode_one(span)) || decode_surrogate(span));
@@ -197,8 +221,10 @@ private:
     {
         EncodeSpan span(in, out);
         do {
-            if (span.in_left() >= 8 && *span.in < char16_t{0x80})
-                span.run(kernels().encode_ascii);
+            // UTF-8 but for the pairs; a unit takes a byte at least.
+            const std::size_t within = std::min(span.in_left(), span.out_left());
+            span.run(kernels().encode_utf8,
+                     find_in_blocks(span.in, span.in + within, Char16::isSurrogate));
             if (span.in == span.in_end)
                 return span.finish(CoderResult::underflow());
         } while (Char16::isSurrogate(*span.in) ? encode_surrogates(span)
