@@ -3,17 +3,13 @@
 #ifndef KIV_CHARSET_ISO_8859_1_H
 #define KIV_CHARSET_ISO_8859_1_H
 
-#include <kiv/charset.h>
+#include "charset/builtin_charset.h"
 
 namespace kiv {
 
-class ISO_8859_1 final : public Charset {
+class ISO_8859_1 final : public BuiltinCharset<ISO_8859_1> {
 public:
     ISO_8859_1();
-    std::unique_ptr<CharsetDecoder> newDecoder() const override;
-    std::unique_ptr<CharsetEncoder> newEncoder() const override;
-
-private:
     class Decoder;
     class Encoder;
 };

@@ -3,17 +3,13 @@
 #ifndef KIV_CHARSET_US_ASCII_H
 #define KIV_CHARSET_US_ASCII_H
 
-#include <kiv/charset.h>
+#include "charset/builtin_charset.h"
 
 namespace kiv {
 
-class US_ASCII final : public Charset {
+class US_ASCII final : public BuiltinCharset<US_ASCII> {
 public:
     US_ASCII();
-    std::unique_ptr<CharsetDecoder> newDecoder() const override;
-    std::unique_ptr<CharsetEncoder> newEncoder() const override;
-
-private:
     class Decoder;
     class Encoder;
 };

@@ -172,18 +172,9 @@ private:
 };
 
 UTF_8::UTF_8()
-    : Charset(106, u"UTF-8"_usv, {u"csUTF8"_usv, u"unicode-1-1-utf-8"_usv, u"UTF8"_usv})
+    : BuiltinCharset(106, u"UTF-8"_usv,
+                     {u"csUTF8"_usv, u"unicode-1-1-utf-8"_usv, u"UTF8"_usv})
 {
-}
-
-std::unique_ptr<CharsetDecoder> UTF_8::newDecoder() const
-{
-    return std::make_unique<Decoder>(this);
-}
-
-std::unique_ptr<CharsetEncoder> UTF_8::newEncoder() const
-{
-    return std::make_unique<Encoder>(this);
 }
 
 // --- CESU-8 ------------------------------------------------------------------------
@@ -234,18 +225,8 @@ private:
 };
 
 CESU_8::CESU_8()
-    : Charset(1016, u"CESU-8"_usv, {u"csCESU8"_usv, u"csCESU-8"_usv, u"CESU8"_usv})
+    : BuiltinCharset(1016, u"CESU-8"_usv, {u"csCESU8"_usv, u"csCESU-8"_usv, u"CESU8"_usv})
 {
-}
-
-std::unique_ptr<CharsetDecoder> CESU_8::newDecoder() const
-{
-    return std::make_unique<Decoder>(this);
-}
-
-std::unique_ptr<CharsetEncoder> CESU_8::newEncoder() const
-{
-    return std::make_unique<Encoder>(this);
 }
 
 }  // namespace kiv
