@@ -1,15 +1,11 @@
 #include <kiv/case_insensitive.h>
 
-#include <cctype>
 #include <cstdint>
 #include <iterator>
 #include <random>
-#include <set>
 #include <string>
-#include <string_view>
 #include <type_traits>
 #include <unordered_set>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -31,8 +27,7 @@ template <class CharT>
 using hash = kiv::case_insensitive_hash<view<CharT>>;
 
 static_assert(std::is_empty_v<less<char>> && std::is_empty_v<equal_to<char16>> &&
-              std::is_empty_v<hash<char16>> &&
-              std::is_default_constructible_v<less<char16>>);
+              std::is_empty_v<hash<char16>>);
 
 // In the "C" locale only the ASCII letters have case.
 std::uint32_t key(char c)
@@ -74,29 +69,25 @@ void expect_follows_keys(view<CharT> a, view<CharT> b)
 TEST(CaseInsensitive, EveryPairOfBytes)
 {
     for (int a = 0; a < 256; ++a)
-        for (int b = 0; b < 256; ++b) {
-            const char x[] = {static_cast<char>(a)};
-            const char y[] = {static_cast<char>(b)};
-            expect_follows_keys<char>({x, 1}, {y, 1});
-            ASSERT_FALSE(HasFatalFailure()) << a << ' ' << b;
-        }
+        for (int b = 0; b < 256 && !HasFatalFailure(); ++b)
+            expect_follows_keys<char>(std::string(1, static_cast<char>(a)),
+                                      std::string(1, static_cast<char>(b)));
 }
 
-// A sample of the units, most of them with case: every pair.
-TEST(CaseInsensitive, PairsOfUnits)
+// Every unit beside its own other cases, letters of three forms, a unit between
+// the cases, a surrogate and the last.
+TEST(CaseInsensitive, EveryUnit)
 {
-    std::vector<char16> sample{u'\u1E9E', u'\u212A', u'\u03A3',
-                               u'\u03C2', u'\xD801', u'\xFFFF'};
-    for (std::uint32_t u = 0; u < 0x10000; ++u) {
+    for (int u = 0; u < 0x10000; ++u) {
         const char16 c = static_cast<char16_t>(u);
-        if (u < 0x180 || u % 1021 == 0 || (key(c) != u && u % 5 == 0))
-            sample.push_back(c);
-    }
-    for (const char16 a : sample)
-        for (const char16 b : sample) {
-            expect_follows_keys<char16>({&a, 1}, {&b, 1});
-            ASSERT_FALSE(HasFatalFailure()) << key(a) << ' ' << key(b);
+        for (const char16 other :
+             {kiv::touupper(c), kiv::toulower(c), char16(u's'), char16(u'\u017F'),
+              char16(u'\u212A'), char16(u'\u1E9E'), char16(u'_'), char16(u'\xD801'),
+              char16(u'\xFFFF')}) {
+            expect_follows_keys<char16>({&c, 1}, {&other, 1});
+            ASSERT_FALSE(HasFatalFailure()) << u << ' ' << key(other);
         }
+    }
 }
 
 TEST(CaseInsensitive, Texts)
@@ -104,14 +95,12 @@ TEST(CaseInsensitive, Texts)
     std::mt19937 random(99);
     const auto check = [&](const auto& alphabet) {
         using CharT = std::remove_cvref_t<decltype(alphabet[0])>;
-        for (int round = 0; round < 20000; ++round) {
+        for (int round = 0; round < 20000 && !HasFatalFailure(); ++round) {
             std::basic_string<CharT> texts[2];
             for (auto& text : texts)
                 for (std::size_t n = random() % 5; n != 0; --n)
                     text += alphabet[random() % std::size(alphabet)];
             expect_follows_keys<CharT>(texts[0], texts[1]);
-            if (HasFatalFailure())
-                return;
         }
     };
     static constexpr char bytes[] = {'a', 'A', 'b', '\0', '\xE9', '\xC9', '_'};
@@ -121,54 +110,21 @@ TEST(CaseInsensitive, Texts)
     check(units);
 }
 
+// Apart from the keys above, which are computed as the library does it.
 TEST(CaseInsensitive, WrittenOutValues)
 {
-    struct Case {
-        const char* a;
-        const char* b;
-        int order;
-    };
-    static constexpr Case cases[] =
-        {
-            {"", "", 0},       {"", "a", -1},     {"ABC", "abd", -1},
-            {"abc", "ABC", 0}, {"ab", "ABC", -1}, {"UTF-8", "utf-8", 0},
-            {"z", "_", -1},  // bytes fold to upper case, so '_' comes after z
-        };
-    for (const Case& c : cases) {
-        EXPECT_EQ(less<char>()(c.a, c.b), c.order < 0) << c.a << ' ' << c.b;
-        EXPECT_FALSE(less<char>()(c.b, c.a)) << c.a << ' ' << c.b;
-        EXPECT_EQ(equal_to<char>()(c.a, c.b), c.order == 0) << c.a << ' ' << c.b;
-    }
-    EXPECT_EQ(hash<char>()(""), 0u);
-    EXPECT_EQ(hash<char>()("a"), 65u);
-    EXPECT_EQ(hash<char>()("ab"), 1041u) << "the multiplier of bytes is 15";
-    EXPECT_EQ(hash<char>()("\xE9"), 0xE9u) << "no sign extension";
-    EXPECT_EQ(hash<char16>()(u""_usv), 0u);
-    EXPECT_EQ(hash<char16>()(u"A"_usv), 97u);
-    EXPECT_EQ(hash<char16>()(u"AB"_usv), 3105u) << "the multiplier of units is 31";
-    EXPECT_EQ(hash<char16>()(u"UTF-8"_usv), hash<char16>()(u"utf-8"_usv));
-    EXPECT_TRUE(equal_to<char16>()(u"\u017F"_usv, u"s"_usv)) << "long s";
-    EXPECT_TRUE(equal_to<char16>()(u"\u017F"_usv, u"S"_usv));
-    EXPECT_FALSE(less<char16>()(u"\u017F"_usv, u"s"_usv) ||
-                 less<char16>()(u"s"_usv, u"\u017F"_usv));
+    EXPECT_TRUE(less<char>()("z", "_")) << "bytes fold to upper case";
     EXPECT_TRUE(less<char16>()(u"_"_usv, u"Z"_usv)) << "units fold to lower case";
+    EXPECT_TRUE(less<char>()("ab", "ABC") && less<char>()("ABC", "abd"));
+    EXPECT_EQ(hash<char>()("ab"), 1041u) << "the multiplier of bytes is 15";
+    EXPECT_EQ(hash<char16>()(u"AB"_usv), 3105u) << "the multiplier of units is 31";
+    EXPECT_TRUE(equal_to<char16>()(u"\u017F\u212A"_usv, u"Sk"_usv));
     EXPECT_FALSE(equal_to<char16>()(u"\u00DF"_usv, u"ss"_usv)) << "lengths never change";
     EXPECT_FALSE(equal_to<char16>()(u"\U00010400"_usv, u"\U00010428"_usv))
         << "pairs are not joined";
-}
-
-TEST(CaseInsensitive, Containers)
-{
-    const std::set<view<char16>, less<char16>> ordered{u"UTF-8"_usv, u"utf-8"_usv,
-                                                       u"ASCII"_usv, u"Utf-80"_usv};
-    EXPECT_EQ(ordered.size(), 3u);
-    EXPECT_EQ(ordered.count(u"ascii"_usv), 1u);
-    EXPECT_EQ(ordered.begin()->compare(u"ASCII"_usv), 0);
     const std::unordered_set<view<char>, hash<char>, equal_to<char>> hashed{
         "UTF-8", "utf-8", "ascii"};
-    EXPECT_EQ(hashed.size(), 2u);
-    EXPECT_EQ(hashed.count("AsCiI"), 1u);
-    EXPECT_EQ(hashed.count("ASCI"), 0u);
+    EXPECT_TRUE(hashed.size() == 2 && hashed.contains("AsCiI"));
 }
 
 }  // namespace
