@@ -139,6 +139,12 @@ public:
         : m_edges(bits ^ bits << 1), m_size(size)
     {
     }
+    // Also where the runs of a second kind begin and end, without bit 0.
+    RunEdges(std::uint64_t bits, std::uint64_t more, std::size_t size) noexcept
+        : m_edges(((bits ^ bits << 1) | (more ^ more << 1)) & ~std::uint64_t{1}),
+          m_size(size)
+    {
+    }
 
     std::size_t next() noexcept
     {

@@ -17,9 +17,10 @@ namespace kiv::sse2 {
 namespace {
 
 constexpr std::size_t BLOCK = 64;
-// A run inside a block is converted by two vectors of bytes at once, which
-// reach that far past the block; as many units are written.
-constexpr std::size_t REACH = BLOCK + 2 * VECTOR_BYTES;
+// A run inside a block is converted by up to two vectors of bytes at once, which
+// may go that far past its end; as many units are written.
+constexpr std::size_t EXCESS = 2 * VECTOR_BYTES;
+constexpr std::size_t REACH = BLOCK + EXCESS;
 
 // --- Runs of one kind ---------------------------------------------------------
 
@@ -106,26 +107,39 @@ DecodeProgress decode_triples(DecodeProgress p) noexcept
     return {p.in + 3 * n, p.out + n};
 }
 
-// The good 4-byte sequences at p, up to four. Returns where they end.
-DecodeProgress decode_quads(DecodeProgress p) noexcept
+// What four 4-byte sequences say without their lead bytes: the bits of the high
+// surrogates in the lower halves of the lanes, those of the low ones in the upper.
+__m128i quad_trails_to_fields(__m128i v) noexcept
 {
     const auto field = [](__m128i shifted, unsigned mask) {
         return _mm_and_si128(shifted, splat32(mask));
     };
-    const __m128i v = load(p.in);
-    // The value without its low ten bits, less 0x10000: the high surrogate's.
-    const __m128i high =
-        _mm_sub_epi32(_mm_or_si128(_mm_or_si128(field(_mm_slli_epi32(v, 8), 0x700),
-                                                field(_mm_srli_epi32(v, 6), 0xFC)),
-                                   field(_mm_srli_epi32(v, 20), 0x3)),
-                      splat32(0x40));
-    // The low surrogate's ten bits, in the upper half.
+    const __m128i high = _mm_or_si128(field(_mm_srli_epi32(v, 6), 0xFC),
+                                      field(_mm_srli_epi32(v, 20), 0x3));
     const __m128i low = _mm_or_si128(field(_mm_slli_epi32(v, 6), 0x03C00000),
                                      field(_mm_srli_epi32(v, 8), 0x003F0000));
-    store(p.out, _mm_or_si128(_mm_or_si128(high, low), splat32(0xDC00D800)));
-    const __m128i shape = _mm_cmpeq_epi32(field(v, 0xC0C0C0F8), splat32(0x808080F0));
+    return _mm_or_si128(high, low);
+}
+
+// 0xD7C0 is 0xD800 - (0x10000 >> 10).
+__m128i fields_to_surrogates(__m128i fields) noexcept
+{
+    return _mm_add_epi32(fields, splat32(0xDC00D7C0));
+}
+
+// The good 4-byte sequences at p, up to four. Returns where they end.
+DecodeProgress decode_quads(DecodeProgress p) noexcept
+{
+    const __m128i v = load(p.in);
+    const __m128i lead = _mm_and_si128(_mm_slli_epi32(v, 8), splat32(0x700));
+    const __m128i fields = _mm_or_si128(lead, quad_trails_to_fields(v));
+    store(p.out, fields_to_surrogates(fields));
+    const __m128i shape =
+        _mm_cmpeq_epi32(_mm_and_si128(v, splat32(0xC0C0C0F8)), splat32(0x808080F0));
+    // The high surrogate has ten bits, after 0x10000 is taken off.
+    const __m128i high = _mm_sub_epi32(fields, splat32(0x40));
     const __m128i in_range =
-        _mm_cmpeq_epi32(field(high, 0xFFFFFC00), _mm_setzero_si128());
+        _mm_cmpeq_epi32(_mm_and_si128(high, splat32(0xFC00)), _mm_setzero_si128());
     const std::size_t n = leading_lanes<4>(top_bits(shape), ~top_bits(in_range));
     return {p.in + 4 * n, p.out + 2 * n};
 }
@@ -300,14 +314,116 @@ DecodeProgress decode_mixed_block(DecodeProgress p, std::uint64_t non_ascii,
     return p;
 }
 
+// --- Blocks with emoji ----------------------------------------------------------
+
+// Emoji come in short runs, of sequences of 4 and of 3 bytes and ASCII. Where a
+// run begins is known from bits before any of it is converted, so that no run has
+// to wait for the one before it.
+
+// A block of 64 bytes. One bit per byte tells of which kind its sequence is.
+struct Sequences {
+    std::uint64_t non_ascii;
+    std::uint64_t quads;
+    std::size_t size;  // without the sequence that the block's end cuts
+    // ASCII and sequences of 3 and 4 bytes, all good. Not so are lead bytes whose
+    // second byte has bounds of its own, but for F0, which emoji begin with.
+    bool plain;
+};
+
+inline Sequences find_sequences(const unsigned char* in) noexcept
+{
+    std::uint64_t non_ascii = 0;
+    std::uint64_t trail = 0;
+    std::uint64_t low_trail = 0;
+    std::uint64_t lead4 = 0;
+    __m128i other = _mm_setzero_si128();
+    for (std::size_t i = 0; i < BLOCK; i += VECTOR_BYTES) {
+        const __m128i v = load(in + i);
+        // Signed comparisons: 0x80 is the lowest value.
+        non_ascii |= std::uint64_t{top_bits(v)} << i;
+        trail |= std::uint64_t{top_bits(_mm_cmplt_epi8(v, splat8(0xC0)))} << i;
+        low_trail |= std::uint64_t{top_bits(_mm_cmplt_epi8(v, splat8(0x90)))} << i;
+        lead4 |= std::uint64_t{top_bits(_mm_cmpeq_epi8(v, splat8(0xF0)))} << i;
+        // C0 to E0, moved to the lowest values; ED; F1 and above.
+        const __m128i c0_to_e0 =
+            _mm_cmplt_epi8(_mm_add_epi8(v, splat8(0xC0)), splat8(0xA1));
+        const __m128i ed = _mm_cmpeq_epi8(v, splat8(0xED));
+        const __m128i from_f1 = _mm_subs_epu8(v, splat8(0xF0));
+        other = _mm_or_si128(_mm_or_si128(other, c0_to_e0), _mm_or_si128(ed, from_f1));
+    }
+    const std::uint64_t lead = non_ascii & ~trail;
+    const std::uint64_t cut = (lead & 3ULL << 62) | (lead4 & 1ULL << 61);
+    const bool good = trail == (lead << 1 | lead << 2 | lead4 << 3) &&
+                      (lead4 << 1 & low_trail) == 0 && all_zero(other);
+    return {non_ascii, lead4 | lead4 << 1 | lead4 << 2 | lead4 << 3,
+            lowest_bit(cut, BLOCK), good};
+}
+
+inline bool has_quads(const unsigned char* in) noexcept
+{
+    const __m128i most = _mm_max_epu8(_mm_max_epu8(load(in), load(in + 16)),
+                                      _mm_max_epu8(load(in + 32), load(in + 48)));
+    return any_above(most, 0xEF);
+}
+
+// Good sequences of F0 and three trail bytes from p.in up to `end`.
+inline DecodeProgress decode_quad_run(DecodeProgress p, const unsigned char* end) noexcept
+{
+    const DecodeProgress result{end, p.out + (end - p.in) / 2};
+    do {
+        store(p.out, fields_to_surrogates(quad_trails_to_fields(load(p.in))));
+        p = {p.in + 16, p.out + 8};
+    } while (p.in < end);
+    return result;
+}
+
+// Good 3-byte sequences.
+inline DecodeProgress decode_triple_run(DecodeProgress p,
+                                        const unsigned char* end) noexcept
+{
+    const DecodeProgress result{end, p.out + (end - p.in) / 3};
+    do {
+        const __m128i units = triples_to_units(load_triples(p.in));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(p.out),
+                         _mm_packs_epi32(units, units));
+        p = {p.in + 12, p.out + 4};
+    } while (p.in < end);
+    return result;
+}
+
+DecodeProgress decode_sequences_block(DecodeProgress p, const Sequences& kinds) noexcept
+{
+    const unsigned char* const begin = p.in;
+    RunEdges edges(kinds.non_ascii, kinds.quads, kinds.size);
+    std::size_t at = 0;
+    do {
+        const std::size_t next = edges.next();
+        const unsigned char* const end = begin + next;
+        const std::uint64_t here = std::uint64_t{1} << at;
+        if (kinds.quads & here)
+            p = decode_quad_run(p, end);
+        else if (kinds.non_ascii & here)
+            p = decode_triple_run(p, end);
+        else
+            p = decode_ascii_run<VECTOR_BYTES>(p, end);
+        at = next;
+    } while (at < kinds.size);
+    return p;
+}
+
 DecodeProgress decode_block(DecodeProgress p, const unsigned char* in_end,
                             const char16* out_end) noexcept
 {
-    if (*p.in >= 0xE0)
+    if (*p.in >= 0xE0 && *p.in < 0xF0)
         return decode_non_ascii(p, in_end, out_end);
     const Block block = classify(p.in, BLOCK);
     if (block.non_ascii == 0)
         return decode_ascii_run<BLOCK>(p, p.in + BLOCK);
+    if (!block.pairs_only && has_quads(p.in)) {
+        const Sequences kinds = find_sequences(p.in);
+        if (kinds.plain)
+            return decode_sequences_block(p, kinds);
+    }
     if (!block.pairs_only)
         return decode_mixed_block(p, block.non_ascii, in_end, out_end);
     return decode_pairs_block(InnerBlock{p.in}, block.non_ascii, p.out);
@@ -335,7 +451,7 @@ DecodeProgress decode_rest(DecodeProgress p, const unsigned char* in_end,
     const auto left = static_cast<std::size_t>(in_end - p.in);
     const std::size_t size = std::min(left, BLOCK);
     unsigned char copy[REACH + VECTOR_BYTES];
-    copy_padded(p.in, size, copy, REACH - size);
+    copy_padded(p.in, size, copy, EXCESS);
     const Block block = classify(p.in, size);
     if (!block.pairs_only)
         return p;

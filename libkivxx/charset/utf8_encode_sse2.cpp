@@ -12,10 +12,12 @@ namespace kiv::sse2 {
 namespace {
 
 constexpr std::size_t BLOCK = 64;
+// How far the vectors may go past the end of a run, in units and in bytes.
+constexpr std::size_t EXCESS = 32;
 // Units that must be readable from the start of a block, and bytes that must be
-// writable: a run is converted by vectors of 32 units and 32 bytes at once.
-constexpr std::size_t REACH = BLOCK + 32;
-constexpr std::size_t ROOM = 3 * BLOCK + 32;
+// writable.
+constexpr std::size_t REACH = BLOCK + EXCESS;
+constexpr std::size_t ROOM = 3 * BLOCK + EXCESS;
 
 // --- Runs of one kind ---------------------------------------------------------
 
@@ -78,13 +80,12 @@ EncodeProgress encode_triples(EncodeProgress p) noexcept
     return {p.in + n, p.out + 3 * n};
 }
 
-// The surrogate pairs at p, up to four. Returns where they end.
-EncodeProgress encode_surrogates(EncodeProgress p) noexcept
+// Four surrogate pairs to lead and three trail bytes.
+__m128i surrogates_to_quads(__m128i v) noexcept
 {
     const auto field = [](__m128i shifted, unsigned mask) {
         return _mm_and_si128(shifted, splat32(mask));
     };
-    const __m128i v = load(p.in);
     // The code point without its low ten bits, of which the high surrogate
     // lacks 0x10000.
     const __m128i high = _mm_add_epi32(field(v, 0x3FF), splat32(0x40));
@@ -93,10 +94,17 @@ EncodeProgress encode_surrogates(EncodeProgress p) noexcept
     const __m128i third = _mm_or_si128(field(_mm_slli_epi32(high, 20), 0x300000),
                                        field(_mm_srli_epi32(v, 6), 0x0F0000));
     const __m128i last = field(_mm_slli_epi32(v, 8), 0x3F000000);
-    store(p.out, _mm_or_si128(_mm_or_si128(first, third),
-                              _mm_or_si128(last, splat32(0x808080F0))));
-    const std::uint32_t good =
-        top_bits(_mm_cmpeq_epi32(field(v, 0xFC00FC00), splat32(0xDC00D800)));
+    return _mm_or_si128(_mm_or_si128(first, third),
+                        _mm_or_si128(last, splat32(0x808080F0)));
+}
+
+// The surrogate pairs at p, up to four. Returns where they end.
+EncodeProgress encode_surrogates(EncodeProgress p) noexcept
+{
+    const __m128i v = load(p.in);
+    store(p.out, surrogates_to_quads(v));
+    const std::uint32_t good = top_bits(
+        _mm_cmpeq_epi32(_mm_and_si128(v, splat32(0xFC00FC00)), splat32(0xDC00D800)));
     const std::size_t n = lowest_bit(~good, 0) / 4;
     return {p.in + 2 * n, p.out + 4 * n};
 }
@@ -129,8 +137,8 @@ EncodeProgress encode_non_ascii(EncodeProgress p, const char16* in_end,
 // --- Blocks -------------------------------------------------------------------
 
 struct Block {
-    std::uint64_t non_ascii;
-    bool pairs_only;  // no unit from 0x800 on
+    std::uint64_t non_ascii;  // if pairs_only
+    bool pairs_only;          // no unit from 0x800 on
 };
 
 // The block of `size` units, at least 16.
@@ -152,15 +160,7 @@ inline Block classify(const char16* in, std::size_t size) noexcept
                              bits(v[6], v[7])}),
                 true};
     }
-    const auto ascii = [](__m128i x) {
-        return _mm_cmpeq_epi16(_mm_and_si128(x, splat16(0xFF80)), _mm_setzero_si128());
-    };
-    const auto bits = [ascii](__m128i a, __m128i b) {
-        return 0xFFFF ^ top_bits(_mm_packs_epi16(ascii(a), ascii(b)));
-    };
-    return {groups.join(
-                {bits(v[0], v[1]), bits(v[2], v[3]), bits(v[4], v[5]), bits(v[6], v[7])}),
-            false};
+    return {0, false};
 }
 
 // As in the decoder: a block inside the input.
@@ -246,7 +246,7 @@ EncodeProgress encode_pairs_block(const Source& block, std::uint64_t non_ascii,
                                   unsigned char* out) noexcept
 {
     // As in the decoder: Cyrillic and the like, or Latin.
-    return non_ascii & non_ascii >> 1 ? encode_pairs_block<16, 16>(block, non_ascii, out)
+    return non_ascii & non_ascii >> 1 ? encode_pairs_block<16, 8>(block, non_ascii, out)
                                       : encode_pairs_block<32, 8>(block, non_ascii, out);
 }
 
@@ -267,24 +267,110 @@ EncodeProgress encode_mixed_block(EncodeProgress p, std::uint64_t non_ascii,
     return p;
 }
 
+// --- Blocks with emoji ----------------------------------------------------------
+
+// As in the decoder: the edges of all runs before any of them is converted.
+struct Sequences {
+    std::uint64_t non_ascii;
+    std::uint64_t surrogates;
+    std::size_t size;  // without a high surrogate at the block's end
+    bool plain;        // ASCII, units from 0x800 on and pairs of surrogates
+};
+
+inline Sequences find_sequences(const char16* in) noexcept
+{
+    std::uint64_t ascii = 0;
+    std::uint64_t high = 0;
+    std::uint64_t low = 0;
+    __m128i other = _mm_setzero_si128();
+    for (std::size_t i = 0; i < BLOCK; i += 2 * VECTOR_UNITS) {
+        const __m128i a = load(in + i);
+        const __m128i b = load(in + i + VECTOR_UNITS);
+        const auto below_0x80 = [](__m128i v) {
+            return _mm_cmpeq_epi16(_mm_and_si128(v, splat16(0xFF80)),
+                                   _mm_setzero_si128());
+        };
+        const __m128i one = _mm_packs_epi16(below_0x80(a), below_0x80(b));
+        const __m128i upper =
+            _mm_packus_epi16(_mm_srli_epi16(a, 8), _mm_srli_epi16(b, 8));
+        const __m128i top = _mm_and_si128(upper, splat8(0xFC));
+        ascii |= std::uint64_t{top_bits(one)} << i;
+        high |= std::uint64_t{top_bits(_mm_cmpeq_epi8(top, splat8(0xD8)))} << i;
+        low |= std::uint64_t{top_bits(_mm_cmpeq_epi8(top, splat8(0xDC)))} << i;
+        const __m128i below_0x800 =
+            _mm_cmpeq_epi8(_mm_and_si128(upper, splat8(0xF8)), _mm_setzero_si128());
+        other = _mm_or_si128(other, _mm_andnot_si128(one, below_0x800));
+    }
+    return {~ascii, high | low, lowest_bit(high & 1ULL << 63, BLOCK),
+            low == high << 1 && !any_top_bit(other)};
+}
+
+// Pairs of surrogates from p.in up to `end`.
+inline EncodeProgress encode_surrogate_run(EncodeProgress p, const char16* end) noexcept
+{
+    const EncodeProgress result{end, p.out + 2 * (end - p.in)};
+    do {
+        store(p.out, surrogates_to_quads(load(p.in)));
+        p = {p.in + 8, p.out + 16};
+    } while (p.in < end);
+    return result;
+}
+
+// Units from 0x800 on that are no surrogates.
+inline EncodeProgress encode_triple_run(EncodeProgress p, const char16* end) noexcept
+{
+    const EncodeProgress result{end, p.out + 3 * (end - p.in)};
+    do {
+        const __m128i units = _mm_unpacklo_epi16(load(p.in), _mm_setzero_si128());
+        store_triples(p.out, units_to_triples(units));
+        p = {p.in + 4, p.out + 12};
+    } while (p.in < end);
+    return result;
+}
+
+EncodeProgress encode_sequences_block(EncodeProgress p, const Sequences& kinds) noexcept
+{
+    const char16* const begin = p.in;
+    RunEdges edges(kinds.non_ascii, kinds.surrogates, kinds.size);
+    std::size_t at = 0;
+    do {
+        const std::size_t next = edges.next();
+        const char16* const end = begin + next;
+        const std::uint64_t here = std::uint64_t{1} << at;
+        if (kinds.surrogates & here)
+            p = encode_surrogate_run(p, end);
+        else if (kinds.non_ascii & here)
+            p = encode_triple_run(p, end);
+        else
+            p = encode_ascii_run<VECTOR_BYTES>(p, end);
+        at = next;
+    } while (at < kinds.size);
+    return p;
+}
+
 EncodeProgress encode_block(EncodeProgress p, const char16* in_end,
                             const unsigned char* out_end) noexcept
 {
-    if (*p.in >= char16(u'\x800'))
+    const char16_t first{*p.in};
+    if (first >= 0x800 && !is_surrogate(first))
         return encode_non_ascii(p, in_end, out_end);
     const Block block = classify(p.in, BLOCK);
+    if (!block.pairs_only) {
+        const Sequences kinds = find_sequences(p.in);
+        return kinds.plain ? encode_sequences_block(p, kinds)
+                           : encode_mixed_block(p, kinds.non_ascii, in_end, out_end);
+    }
     if (block.non_ascii == 0)
         return encode_ascii_run<BLOCK>(p, p.in + BLOCK);
-    if (!block.pairs_only)
-        return encode_mixed_block(p, block.non_ascii, in_end, out_end);
     return encode_pairs_block(InnerBlock{p.in}, block.non_ascii, p.out);
 }
 
 // Converts blocks that begin before `stop`. From there, REACH units must be
 // readable. Stops before that at a fault, or where too little is left of the
-// output.
-EncodeProgress encode_blocks(EncodeProgress p, const char16* stop, const char16* in_end,
-                             const unsigned char* out_end) noexcept
+// output. Inlined, its registers would cost short texts a fifth of their time.
+[[gnu::noinline]] EncodeProgress encode_blocks(EncodeProgress p, const char16* stop,
+                                               const char16* in_end,
+                                               const unsigned char* out_end) noexcept
 {
     while (p.in < stop && out_end - p.out >= static_cast<std::ptrdiff_t>(ROOM)) {
         const char16* const before = p.in;
@@ -302,7 +388,7 @@ EncodeProgress encode_rest(EncodeProgress p, const char16* in_end,
     char16 copy[REACH + VECTOR_UNITS];
     const auto left = static_cast<std::size_t>(in_end - p.in);
     const std::size_t size = std::min(left, BLOCK);
-    copy_padded(p.in, size * sizeof(char16), copy, (REACH - size) * sizeof(char16));
+    copy_padded(p.in, size * sizeof(char16), copy, EXCESS * sizeof(char16));
     const Block block = classify(p.in, size);
     if (!block.pairs_only)
         return p;

@@ -3,9 +3,10 @@
 
 #include <array>
 #include <bit>
+#include <ios>
 #include <stdexcept>
 #include <string>
-#include <vector>
+#include <tuple>
 
 #include <gtest/gtest.h>
 #include <kiv/character.h>
@@ -13,6 +14,7 @@
 
 #include "charset/toy_charset.h"
 #include "companion/unicode_data.h"
+#include "support/errors.h"
 
 namespace {
 
@@ -22,39 +24,33 @@ using kiv::char16;
 using kiv::Charset;
 using kiv::CoderResult;
 using kiv::ustring;
-using toy::expect_error;
+using kivtest::what_of;
 using toy::ToyEncoder;
 using enum kiv::CodingErrorAction;
 
 TEST(CharsetEncoder, ReplacementMustDecode)
 {
-    const int before = toy::charset()->decoders;
-    ToyEncoder encoder(toy::charset(), "(x");
-    EXPECT_EQ(toy::charset()->decoders, before + 1);
-    EXPECT_EQ(encoder.replacement(), "(x");
-    for (const char* bad :
-         {"!", "#", "a#", "%x", "%", "("}) {  // the last two are unfinished
-        EXPECT_FALSE(encoder.isLegalReplacement(bad)) << bad;
-        expect_error<std::invalid_argument>([&] { encoder.replaceWith(bad); },
-                                            "CharsetEncoder::replaceWith");
-        expect_error<std::invalid_argument>([&] { ToyEncoder(toy::charset(), bad); },
-                                            "CharsetEncoder::replaceWith");
-    }
-    const int resets = toy::charset()->decoder_resets;
-    EXPECT_TRUE(encoder.isLegalReplacement(""));
-    EXPECT_EQ(toy::charset()->decoder_resets, resets + 1);  // the decoder that was kept
+    ToyEncoder encoder(toy::charset(), 1, 3, "(x");
+    const int decoders = toy::charset()->decoders;
+    const auto& log = toy::charset()->last_decoder.load()->log;
     EXPECT_TRUE(encoder.isLegalReplacement("longer than max is still legal"));
+    for (const char* bad : {"!", "a#", "%xy", "("}) {  // the last is unfinished
+        EXPECT_FALSE(encoder.isLegalReplacement(bad)) << bad;
+        EXPECT_EQ(what_of<std::invalid_argument>([&] { encoder.replaceWith(bad); }),
+                  "CharsetEncoder::replaceWith");
+    }
     EXPECT_EQ(encoder.replacement(), "(x");
-    EXPECT_EQ(toy::charset()->decoders, before + 7);  // one for each encoder
+    // The decoder is kept, and reset for each check.
+    EXPECT_EQ(toy::charset()->decoders, decoders);
+    EXPECT_TRUE(log.starts_with("malformed2 unmappable2 reset reset reset ")) << log;
 
-    const auto ascii = Charset::US_ASCII->newEncoder();
+    EXPECT_THROW(ToyEncoder(toy::charset(), 1, 3, "!"), std::invalid_argument);
     for (const char* bad : {"\x80", "??"})
-        expect_error<std::invalid_argument>([&] { ascii->replaceWith(bad); },
-                                            "CharsetEncoder::replaceWith");
+        EXPECT_THROW(Charset::US_ASCII->newEncoder()->replaceWith(bad),
+                     std::invalid_argument);
 }
 
-// --- Default-ignorable characters
-// -------------------------------------------------------
+// --- Default-ignorable characters -----------------------------------------------------
 
 // The set is that of Unicode 13; one code point of it was assigned later.
 TEST(CharsetEncoder, DropsDefaultIgnorables)
@@ -89,174 +85,119 @@ TEST(CharsetEncoder, DropsDefaultIgnorablesWhateverTheAction)
         EXPECT_EQ(encoder->encode(text), "abc");
     }
     EXPECT_TRUE(encoder->canEncode(text));
-    EXPECT_EQ(Charset::ISO_8859_1->encode(text),
-              "a\xAD"
-              "bc");  // it has the soft hyphen
-    EXPECT_EQ(Charset::UTF_16BE->encode(char16(u'\u200B')), "\x20\x0B");
+    EXPECT_EQ(Charset::ISO_8859_1->encode(text), "a\255bc");  // it has the soft hyphen
 
     // Only what is unmappable is dropped, not what a step finds malformed.
     ToyEncoder toy(toy::charset());
-    toy.script.step = [](auto&, auto&) { return CoderResult::malformed(1); };
+    toy.on_step = [](auto&, auto&) { return CoderResult::malformed(1); };
     EXPECT_THROW(toy.encode(u"\u200B"_usv), kiv::MalformedInputError);
 }
 
-// --- Trials
-// -----------------------------------------------------------------------------
+// --- Trials ---------------------------------------------------------------------------
 
-TEST(CharsetEncoder, CanEncode)
-{
-    const auto latin1 = Charset::ISO_8859_1->newEncoder();
-    const auto ascii = Charset::US_ASCII->newEncoder();
-    const auto utf_8 = Charset::UTF_8->newEncoder();
-    utf_8->onMalformedInput(IGNORE).onUnmappableCharacter(REPLACE);
-    EXPECT_TRUE(latin1->canEncode(u'\u00E9'));
-    EXPECT_FALSE(ascii->canEncode(u'\u00E9'));
-    EXPECT_FALSE(utf_8->canEncode(char16_t{0xD83D}));
-    EXPECT_FALSE(utf_8->canEncode(char16_t{0xDE00}));
-    EXPECT_TRUE(utf_8->canEncode(u"\U0001F600"_usv));
-    EXPECT_TRUE(ascii->canEncode(ustring()));
-    EXPECT_FALSE(ascii->canEncode(u"text\u20AC"_usv));
-    EXPECT_EQ(utf_8->malformedInputAction(), IGNORE);
-    EXPECT_EQ(utf_8->unmappableCharacterAction(), REPLACE);
-    EXPECT_EQ(ascii->unmappableCharacterAction(), REPORT);
-}
-
+// Whatever a trial met, the actions are as before and the state is RESET.
 TEST(CharsetEncoder, CanEncodeLeavesNoTrace)
 {
+    EXPECT_TRUE(Charset::ISO_8859_1->newEncoder()->canEncode(u'\u00E9'));
+    EXPECT_FALSE(Charset::US_ASCII->newEncoder()->canEncode(u'\u00E9'));
+    EXPECT_FALSE(Charset::UTF_8->newEncoder()->canEncode(char16_t{0xD83D}));
+
     ToyEncoder encoder(toy::charset());
     encoder.onMalformedInput(IGNORE).onUnmappableCharacter(REPLACE);
-    const auto toy_step = encoder.script.step;
+    const auto can_encode = [&](const ustring& text) {
+        encoder.log.clear();
+        return encoder.canEncode(text);
+    };
     const auto expect_untouched = [&] {
         EXPECT_EQ(encoder.malformedInputAction(), IGNORE);
         EXPECT_EQ(encoder.unmappableCharacterAction(), REPLACE);
-        EXPECT_TRUE(encoder.script.log.ends_with("reset ")) << encoder.script.log;
-        encoder.script.log.clear();
-        encoder.script.step = toy_step;
-        EXPECT_TRUE(encoder.canEncode(u'a'));  // the state is RESET
-        encoder.script.log.clear();
+        EXPECT_EQ(encoder.log,
+                  "malformed2 unmappable2 reset reset malformed0 unmappable1 ");
+        EXPECT_TRUE(encoder.canEncode(ustring()));
     };
-    for (const auto* text : {u"", u"a", u"a!", u"a#", u"a("}) {
-        EXPECT_EQ(
-            encoder.canEncode(ustring(text, text + std::u16string_view(text).size())),
-            std::u16string_view(text).size() < 2);
+    EXPECT_TRUE(can_encode(u"a"_us));
+    expect_untouched();
+    for (const ustring& text : {u"a!"_us, u"a#"_us, u"a("_us}) {
+        EXPECT_FALSE(can_encode(text));
         expect_untouched();
-        // Whatever the coder was told during the trial, it was told to undo.
-        EXPECT_EQ(encoder.encode(u"!#"_usv), "?");  // FLUSHED will do, too
-        encoder.script.log.clear();
     }
-
-    // Errors that are not about coding pass, iostream failures among them.
-    encoder.reset();
-    encoder.script.step = [&](auto&, auto&) -> CoderResult {
-        EXPECT_EQ(encoder.malformedInputAction(), REPORT);
-        EXPECT_EQ(encoder.unmappableCharacterAction(), REPORT);
-        throw std::ios_base::failure("other");
+    const auto throwing = [&](auto error) {
+        encoder.on_step = [=](auto&, auto&) -> CoderResult { throw error; };
     };
-    EXPECT_THROW(encoder.canEncode(u'a'), std::ios_base::failure);
+    throwing(kiv::CharacterCodingError("of a derived coder"));
+    EXPECT_FALSE(can_encode(u"a"_us));
     expect_untouched();
-    encoder.script.step = [](auto&, auto&) -> CoderResult { throw 42; };
-    EXPECT_THROW(encoder.canEncode(u'a'), int);
-    expect_untouched();
-    encoder.script.step = [](auto&, auto&) -> CoderResult {
-        throw kiv::BufferOverflowError();
-    };
-    EXPECT_THROW(encoder.canEncode(u'a'), kiv::CoderMalfunctionError);
-    expect_untouched();
-    encoder.script.step = [](auto&, auto&) -> CoderResult {
-        throw kiv::CharacterCodingError("of a derived coder");
-    };
-    EXPECT_FALSE(encoder.canEncode(u'a'));
+    // Errors that are not about coding pass, stream failures among them.
+    throwing(std::ios_base::failure("other"));
+    EXPECT_THROW(can_encode(u"a"_us), std::ios_base::failure);
     expect_untouched();
 }
 
-// Hooks hear of both changes, the way there and the way back.
-TEST(CharsetEncoder, CanEncodeTellsTheHooks)
-{
-    ToyEncoder encoder(toy::charset());
-    encoder.onMalformedInput(IGNORE).onUnmappableCharacter(REPLACE);
-    encoder.script.log.clear();
-    encoder.canEncode(u'a');
-    EXPECT_EQ(encoder.script.log,
-              "malformed2 unmappable2 reset malformed0 unmappable1 reset ");
-}
+// --- Help for conversion steps --------------------------------------------------------
 
-// --- Help for conversion steps
-// ------------------------------------------------------------
-
+// Every pair of units at the edges of the ranges, and each unit alone.
 TEST(CharsetEncoder, Surrogates)
 {
     constexpr auto untouched = CoderResult::unmappable(77);
-    struct Case {
-        ustring units;
-        char32_t pair;
-        CoderResult pair_result;
-        std::ptrdiff_t consumed;
-        CoderResult unmappable;
-    };
-    const Case cases[] = {
-        {u"\xD800\xDC00"_us, 0x10000, untouched, 2, CoderResult::unmappable(2)},
-        {u"\xDBFF\xDFFF"_us, 0x10FFFF, untouched, 2, CoderResult::unmappable(2)},
-        {u"\xD83D\xDE00x"_us, 0x1F600, untouched, 2, CoderResult::unmappable(2)},
-        {u"\xD800"_us, 0, untouched, 1, CoderResult::underflow()},
-        {u"\xDBFFx"_us, 0, CoderResult::malformed(1), 2, CoderResult::malformed(1)},
-        {u"\xD800\xDBFF"_us, 0, CoderResult::malformed(1), 2, CoderResult::malformed(1)},
-        {u"\xD800\xE000"_us, 0, CoderResult::malformed(1), 2, CoderResult::malformed(1)},
-        {u"\xDC00"_us, 0, CoderResult::malformed(1), 1, CoderResult::malformed(1)},
-        {u"\xDFFF\xDC00"_us, 0, CoderResult::malformed(1), 1, CoderResult::malformed(1)},
-        {u"\xD7FF"_us, 0, CoderResult::malformed(1), 1, CoderResult::unmappable(1)},
-        {u"\xE000\xDC00"_us, 0, CoderResult::malformed(1), 1, CoderResult::unmappable(1)},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(testing::PrintToString(static_cast<char16_t>(c.units[0])));
-        const char16* const begin = c.units.data();
-        const char16* const end = begin + c.units.size();
-        const char16* p = begin + 1;
-        CoderResult result = untouched;
-        EXPECT_EQ(ToyEncoder::fetchSurrogatePair(*begin, p, end, &result), c.pair);
-        EXPECT_EQ(result, c.pair_result);
-        EXPECT_EQ(p - begin, c.consumed);
-        EXPECT_EQ(ToyEncoder::unmappableCodeUnit(begin, end), c.unmappable);
-    }
+    constexpr auto malformed = CoderResult::malformed(1);
+    constexpr char16_t edges[] = {0xD7FF, 0xD800, 0xDBFF, 0xDC00, 0xDFFF, 0xE000};
+    for (const char16_t unit : edges)
+        for (const char16_t next : edges)
+            for (const int size : {1, 2}) {
+                SCOPED_TRACE(testing::PrintToString(std::tuple(unit, next, size)));
+                const char16 text[] = {unit, next};
+                const char16* const end = text + size;
+                const bool high = unit >> 10 == 0x36;
+                const bool cut = high && size == 1;
+                const bool pair = high && size == 2 && next >> 10 == 0x37;
+                const char16* p = text + 1;
+                CoderResult result = untouched;
+                const char32_t cp = ToyEncoder::fetchSurrogatePair(unit, p, end, &result);
+                EXPECT_EQ(
+                    cp, pair ? 0x10000u + (unit - 0xD800u) * 0x400 + next - 0xDC00u : 0u);
+                EXPECT_EQ(result, pair || cut ? untouched : malformed);
+                EXPECT_EQ(p, high ? end : text + 1);
+                EXPECT_EQ(ToyEncoder::unmappableCodeUnit(text, end),
+                          pair                 ? CoderResult::unmappable(2)
+                          : cut                ? CoderResult::underflow()
+                          : unit >> 11 == 0x1B ? malformed
+                                               : CoderResult::unmappable(1));
+            }
 }
 
-// --- Layout
-// -----------------------------------------------------------------------------
+// --- Layout ---------------------------------------------------------------------------
 
 #if defined(__x86_64__) && defined(__GNUC__)
 
-// The place in the table of virtual functions, as the Itanium C++ ABI defines the
-// first word of a pointer to a virtual member function.
-template <class Function>
-std::ptrdiff_t slot(Function function)
-{
-    const auto words = std::bit_cast<std::array<std::ptrdiff_t, 2>>(function);
-    return (words[0] - 1) / static_cast<std::ptrdiff_t>(sizeof(void*));
-}
-
+// Whether the functions follow each other in the table of virtual functions, as the
+// Itanium C++ ABI lays out pointers to members.
 template <class... Functions>
-std::vector<std::ptrdiff_t> slots(Functions... functions)
+bool in_order(std::ptrdiff_t first, Functions... functions)
 {
-    return {slot(functions)...};
+    using Words = std::array<std::ptrdiff_t, 2>;
+    constexpr std::ptrdiff_t SIZE = sizeof(void*);
+    return ((std::bit_cast<Words>(functions)[0] == 1 + SIZE * first++) && ...);
 }
 
-struct DecoderSlots : kiv::CharsetDecoder {
-    static std::vector<std::ptrdiff_t> get()
+// A virtual destructor takes two places.
+struct DecoderOrder : kiv::CharsetDecoder {
+    using T = DecoderOrder;
+    static bool holds()
     {
-        using T = DecoderSlots;
-        return slots(&T::malformedInputAction, &T::unmappableCharacterAction,
-                     &T::isAutoDetecting, &T::isCharsetDetected, &T::detectedCharset,
-                     &T::implReplaceWith, &T::implOnMalformedInput,
-                     &T::implOnUnmappableCharacter, &T::implFlush, &T::implReset,
-                     &T::decodeLoop);
+        return in_order(2, &T::malformedInputAction, &T::unmappableCharacterAction,
+                        &T::isAutoDetecting, &T::isCharsetDetected, &T::detectedCharset,
+                        &T::implReplaceWith, &T::implOnMalformedInput,
+                        &T::implOnUnmappableCharacter, &T::implFlush, &T::implReset,
+                        &T::decodeLoop);
     }
 };
 
-struct EncoderSlots : kiv::CharsetEncoder {
-    static std::vector<std::ptrdiff_t> get()
+struct EncoderOrder : kiv::CharsetEncoder {
+    using T = EncoderOrder;
+    static bool holds()
     {
-        using T = EncoderSlots;
-        return slots(
-            static_cast<bool (T::*)(kiv::basic_string_ref<char16>)>(&T::canEncode),
+        return in_order(
+            2, static_cast<bool (T::*)(kiv::basic_string_ref<char16>)>(&T::canEncode),
             static_cast<bool (T::*)(char16)>(&T::canEncode), &T::implReplaceWith,
             &T::implOnMalformedInput, &T::implOnUnmappableCharacter, &T::implFlush,
             &T::implReset, &T::encodeLoop);
@@ -266,16 +207,13 @@ struct EncoderSlots : kiv::CharsetEncoder {
 // Coders of others are compiled against the order: it may only grow at the end.
 TEST(CodingClasses, OrderOfVirtualFunctions)
 {
-    using Bytes = kiv::basic_string_ref<char>;
-    using Text = kiv::basic_string_ref<char16>;
-    // A virtual destructor takes two places.
-    EXPECT_EQ(DecoderSlots::get(),
-              (std::vector<std::ptrdiff_t>{2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}));
-    EXPECT_EQ(EncoderSlots::get(), (std::vector<std::ptrdiff_t>{2, 3, 4, 5, 6, 7, 8, 9}));
-    EXPECT_EQ(slots(&Charset::newDecoder, &Charset::newEncoder,
-                    static_cast<ustring (Charset::*)(Bytes) const>(&Charset::decode),
-                    static_cast<std::string (Charset::*)(Text) const>(&Charset::encode)),
-              (std::vector<std::ptrdiff_t>{0, 1, 2, 3}));
+    using Decode = ustring (Charset::*)(kiv::basic_string_ref<char>) const;
+    using Encode = std::string (Charset::*)(kiv::basic_string_ref<char16>) const;
+    EXPECT_TRUE(DecoderOrder::holds());
+    EXPECT_TRUE(EncoderOrder::holds());
+    EXPECT_TRUE(in_order(0, &Charset::newDecoder, &Charset::newEncoder,
+                         static_cast<Decode>(&Charset::decode),
+                         static_cast<Encode>(&Charset::encode)));
 }
 
 #endif

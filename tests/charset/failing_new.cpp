@@ -1,27 +1,9 @@
+// A translation unit of its own keeps compilers from pairing malloc with delete.
+
 #include "charset/failing_new.h"
 
-#include <atomic>
 #include <cstdlib>
 #include <new>
-
-namespace {
-
-std::atomic<long> remaining{-1};  // negative: never fails
-std::atomic<long> live_allocations{0};
-
-[[maybe_unused]] void* allocate(std::size_t size) noexcept
-{
-    if (remaining.load(std::memory_order_relaxed) == 0)
-        return nullptr;
-    if (remaining.load(std::memory_order_relaxed) > 0)
-        remaining.fetch_sub(1, std::memory_order_relaxed);
-    void* const p = std::malloc(size != 0 ? size : 1);
-    if (p != nullptr)
-        live_allocations.fetch_add(1, std::memory_order_relaxed);
-    return p;
-}
-
-}  // namespace
 
 // The thread sanitizer has functions of its own and suffers no others.
 #if defined(__SANITIZE_THREAD__)
@@ -34,23 +16,27 @@ std::atomic<long> live_allocations{0};
 
 #ifndef KIV_TEST_THREAD_SANITIZER
 
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    if (failing_new::remaining == 0)
+        return nullptr;
+    if (failing_new::remaining > 0)
+        --failing_new::remaining;
+    void* const p = std::malloc(size != 0 ? size : 1);
+    failing_new::live += p != nullptr;
+    return p;
+}
+
 void* operator new(std::size_t size)
 {
-    if (void* const p = allocate(size))
+    if (void* const p = operator new(size, std::nothrow))
         return p;
     throw std::bad_alloc();
 }
 
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept
-{
-    return allocate(size);
-}
-
 void operator delete(void* p) noexcept
 {
-    if (p == nullptr)
-        return;
-    live_allocations.fetch_sub(1, std::memory_order_relaxed);
+    failing_new::live -= p != nullptr;
     std::free(p);
 }
 
@@ -60,27 +46,3 @@ void operator delete(void* p, std::size_t) noexcept
 }
 
 #endif
-
-namespace failing_new {
-
-bool works() noexcept
-{
-    return live_allocations != 0;
-}
-
-void fail_after(long n) noexcept
-{
-    remaining = n;
-}
-
-void never_fail() noexcept
-{
-    remaining = -1;
-}
-
-long live() noexcept
-{
-    return live_allocations;
-}
-
-}  // namespace failing_new

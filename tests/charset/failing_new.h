@@ -1,20 +1,18 @@
 // The allocation functions of the test program: they count, and fail when told to.
-// A translation unit of their own keeps compilers from pairing malloc with delete.
 
 #ifndef KIV_TESTS_CHARSET_FAILING_NEW_H
 #define KIV_TESTS_CHARSET_FAILING_NEW_H
 
+#include <atomic>
+
 namespace failing_new {
 
-// False where a sanitizer keeps the allocation functions to itself.
-bool works() noexcept;
+// Allocations that have not been freed. Never 0, but under a sanitizer that keeps
+// the allocation functions to itself.
+inline std::atomic<long> live{0};
 
-// Lets n more allocations succeed, all after them fail.
-void fail_after(long n) noexcept;
-void never_fail() noexcept;
-
-// Allocations that have not been freed.
-long live() noexcept;
+// Allocations that still succeed; negative if all do.
+inline std::atomic<long> remaining{-1};
 
 }  // namespace failing_new
 

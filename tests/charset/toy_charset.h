@@ -1,28 +1,25 @@
-// A toy charset whose coders keep a log of their hooks and may be scripted.
+// A toy charset whose coders log their hooks and may be scripted, alike in both
+// directions.
 
 #ifndef KIV_TESTS_CHARSET_TOY_CHARSET_H
 #define KIV_TESTS_CHARSET_TOY_CHARSET_H
 
+#include <atomic>
 #include <cstddef>
 #include <functional>
 #include <memory>
 #include <string>
 
-#include <gtest/gtest.h>
 #include <kiv/charset.h>
 
 namespace toy {
 
 using namespace kiv::literals;
 using kiv::Buffer;
-using kiv::char16;
-using kiv::Charset;
-using kiv::CharsetDecoder;
-using kiv::CharsetEncoder;
 using kiv::CoderResult;
 using Action = kiv::CodingErrorAction;
 
-// '!' is malformed, '#' unmappable, "%x" malformed as a whole; "(x" becomes "[]" and
+// '!' is malformed, '#' unmappable, "%xy" malformed as a whole; "(x" becomes "[]" and
 // all else itself.
 template <class In, class Out>
 CoderResult toy_step(Buffer<const In>& in, Buffer<Out>& out)
@@ -33,15 +30,15 @@ CoderResult toy_step(Buffer<const In>& in, Buffer<Out>& out)
             return CoderResult::malformed(1);
         if (unit == '#')
             return CoderResult::unmappable(1);
-        const bool pair = unit == '(' || unit == '%';
-        if (pair && in.remaining() < 2)
+        const std::size_t length = unit == '%' ? 3 : unit == '(' ? 2 : 1;
+        if (in.remaining() < length)
             return CoderResult::underflow();
         if (unit == '%')
-            return CoderResult::malformed(2);
-        if (out.remaining() < (pair ? 2 : 1))
+            return CoderResult::malformed(3);
+        if (out.remaining() < length)
             return CoderResult::overflow();
-        in.position(in.position() + (pair ? 2 : 1));
-        if (pair)
+        in.position(in.position() + length);
+        if (unit == '(')
             out.put(Out(u'[')).put(Out(u']'));
         else
             out.put(static_cast<Out>(unit));
@@ -49,134 +46,121 @@ CoderResult toy_step(Buffer<const In>& in, Buffer<Out>& out)
     return CoderResult::underflow();
 }
 
-// What the hooks and steps of a coder do and have done.
-template <class In, class Out>
-struct Script {
-    std::function<CoderResult(Buffer<const In>&, Buffer<Out>&)> step = toy_step<In, Out>;
-    std::function<CoderResult(Buffer<Out>&)> flush = [](auto&) {
+// Base is CharsetDecoder or CharsetEncoder, String what it writes.
+template <class Base, class InUnit, class OutUnit, class String>
+class ToyCoder : public Base {
+public:
+    using In = InUnit;
+    using Out = OutUnit;
+    using Text = String;
+
+    template <class... Replacement>
+    explicit ToyCoder(const kiv::Charset* charset, float average = 1, unsigned max = 3,
+                      Replacement... replacement)
+        : Base(charset, average, max, replacement...)
+    {
+    }
+
+    std::function<CoderResult(Buffer<const In>&, Buffer<Out>&)> on_step =
+        toy_step<In, Out>;
+    std::function<CoderResult(Buffer<Out>&)> on_flush = [](auto&) {
         return CoderResult::underflow();
     };
-    std::function<void(const std::string&)> on_log = [](const std::string&) {};
     std::string log;
+    std::shared_ptr<void> token;  // of the charset that made it
 
-    void record(const std::string& what)
+private:
+    void record(const char* hook, Action action)
     {
-        log += what + ' ';
-        on_log(what);
+        log += hook + std::to_string(static_cast<unsigned>(action)) + ' ';
     }
-    void record(const char* what, Action action)
+    void implReplaceWith(kiv::basic_string_ref<typename String::value_type> text) override
     {
-        record(what + std::to_string(static_cast<unsigned>(action)));
+        log += "replace" + std::to_string(text.size()) + ' ';
     }
+    void implOnMalformedInput(Action action) override { record("malformed", action); }
+    void implOnUnmappableCharacter(Action action) override
+    {
+        record("unmappable", action);
+    }
+    void implReset() override { log += "reset "; }
+    CoderResult implFlush(Buffer<Out>& out) override { return on_flush(out); }
 };
 
-class ToyDecoder : public CharsetDecoder {
-public:
-    explicit ToyDecoder(const Charset* charset, float average = 1, unsigned max = 3)
-        : CharsetDecoder(charset, average, max)
-    {
-    }
+struct ToyDecoder
+    : ToyCoder<kiv::CharsetDecoder, unsigned char, kiv::char16, kiv::ustring> {
+    static constexpr char NAME[] = "CharsetDecoder";
+    static constexpr char STEP[] = "decode";
     static_assert(UNMAPPABLE == 0xDFFF);
 
-    Script<unsigned char, char16> script;
-
-private:
-    void implReplaceWith(kiv::basic_string_ref<char16> text) override
+    using ToyCoder::ToyCoder;
+    auto convert(auto&... arguments) { return decode(arguments...); }
+    CoderResult decodeLoop(Buffer<const In>& in, Buffer<Out>& out) override
     {
-        script.record("replace" + std::to_string(text.size()));
-    }
-    void implOnMalformedInput(Action action) override
-    {
-        script.record("malformed", action);
-    }
-    void implOnUnmappableCharacter(Action action) override
-    {
-        script.record("unmappable", action);
-    }
-    void implReset() override { script.record("reset"); }
-    CoderResult implFlush(Buffer<char16>& out) override { return script.flush(out); }
-    CoderResult decodeLoop(Buffer<const unsigned char>& in, Buffer<char16>& out) override
-    {
-        return script.step(in, out);
+        return on_step(in, out);
     }
 };
 
-class ToyEncoder : public CharsetEncoder {
-public:
-    explicit ToyEncoder(const Charset* charset, float average = 1, unsigned max = 3)
-        : CharsetEncoder(charset, average, max)
-    {
-    }
-    ToyEncoder(const Charset* charset, kiv::basic_string_ref<char> replacement)
-        : CharsetEncoder(charset, 1, 3, replacement)
-    {
-    }
+struct ToyEncoder
+    : ToyCoder<kiv::CharsetEncoder, kiv::char16, unsigned char, std::string> {
+    static constexpr char NAME[] = "CharsetEncoder";
+    static constexpr char STEP[] = "encode";
+
     using CharsetEncoder::fetchSurrogatePair;
     using CharsetEncoder::unmappableCodeUnit;
-
-    Script<char16, unsigned char> script;
-
-private:
-    void implReplaceWith(kiv::basic_string_ref<char> bytes) override
+    using ToyCoder::ToyCoder;
+    auto convert(auto&... arguments) { return encode(arguments...); }
+    CoderResult encodeLoop(Buffer<const In>& in, Buffer<Out>& out) override
     {
-        script.record("replace" + std::to_string(bytes.size()));
-    }
-    void implOnMalformedInput(Action action) override
-    {
-        script.record("malformed", action);
-    }
-    void implOnUnmappableCharacter(Action action) override
-    {
-        script.record("unmappable", action);
-    }
-    void implReset() override { script.record("reset"); }
-    CoderResult implFlush(Buffer<unsigned char>& out) override
-    {
-        return script.flush(out);
-    }
-    CoderResult encodeLoop(Buffer<const char16>& in, Buffer<unsigned char>& out) override
-    {
-        return script.step(in, out);
+        return on_step(in, out);
     }
 };
 
-class ToyCharset : public Charset {
+class ToyCharset : public kiv::Charset {
 public:
-    ToyCharset() : Charset(0, u"x-toy"_usv, {}) {}
-    std::unique_ptr<CharsetDecoder> newDecoder() const override
+    explicit ToyCharset(kiv::basic_string_ref<kiv::char16> name) : Charset(0, name, {}) {}
+
+    std::unique_ptr<kiv::CharsetDecoder> newDecoder() const override
     {
         ++decoders;
-        auto decoder = std::make_unique<ToyDecoder>(this);
-        decoder->script.on_log = [this](const std::string& what) {
-            decoder_resets += what == "reset";
-        };
+        auto decoder = make<ToyDecoder>();
+        last_decoder = decoder.get();
         return decoder;
     }
-    std::unique_ptr<CharsetEncoder> newEncoder() const override
+    std::unique_ptr<kiv::CharsetEncoder> newEncoder() const override
     {
-        return std::make_unique<ToyEncoder>(this);
+        ++encoders;
+        return make<ToyEncoder>();
     }
 
-    mutable int decoders = 0;  // made, and resets of all of them
-    mutable int decoder_resets = 0;
+    // Coders that it made and that are still there.
+    long live() const { return m_token.use_count() - 1; }
+
+    std::function<void()> on_step;  // before each step of its coders
+    mutable std::atomic<int> decoders{0}, encoders{0};
+    mutable std::atomic<ToyDecoder*> last_decoder{nullptr};
+
+private:
+    template <class Coder>
+    std::unique_ptr<Coder> make() const
+    {
+        auto coder = std::make_unique<Coder>(this);
+        coder->token = m_token;
+        coder->on_step = [this](auto& in, auto& out) {
+            if (on_step)
+                on_step();
+            return toy_step(in, out);
+        };
+        return coder;
+    }
+
+    std::shared_ptr<void> m_token = std::make_shared<int>();
 };
 
 inline ToyCharset* charset()
 {
-    static auto* const charset = new ToyCharset;
+    static auto* const charset = new ToyCharset(u"x-toy"_usv);
     return charset;
-}
-
-// Runs the action, which must throw such an error with this message.
-template <class Error, class Run>
-void expect_error(Run run, const std::string& message)
-{
-    try {
-        run();
-        ADD_FAILURE() << "no error; wanted " << message;
-    } catch (const Error& e) {
-        EXPECT_EQ(e.what(), message);
-    }
 }
 
 }  // namespace toy

@@ -1,37 +1,24 @@
-// Prints the name of the default charset, then the canonical name of each
-// argument, "-" for one that no charset bears.
+// Prints the canonical name of the charset that the argument names, "-" if there is
+// none, then that of the default charset.
 
 #include <cstdio>
 #include <cstdlib>
-#include <string>
 
 #include <kiv/charset.h>
 
-namespace {
-
-void print(const kiv::Charset* charset)
+int main(int, char** argv)
 {
-    std::string line =
-        charset != nullptr ? kiv::Charset::US_ASCII->encode(charset->name()) : "-";
-    std::puts(line.c_str());
-}
-
-}  // namespace
-
-int main(int argc, char** argv)
-{
-    const kiv::Charset* const charset = kiv::Charset::defaultCharset();
-    print(charset);
-    for (int i = 1; i < argc; ++i)
-        print(kiv::Charset::forName(kiv::Charset::US_ASCII->decode(argv[i])));
+    using kiv::Charset;
+    const Charset* const charset = Charset::defaultCharset();
+    const Charset* const named = Charset::forName(Charset::US_ASCII->decode(argv[1]));
+    for (const Charset* c : {named, charset})
+        std::puts(c != nullptr ? Charset::US_ASCII->encode(c->name()).c_str() : "-");
 
     // The choice was made for good when the library was loaded.
     for (const char* name : {"UTF-16LE", "UTF-16BE"}) {
         setenv("KIV_DEFAULT_CHARSET", name, 1);
-        if (kiv::Charset::defaultCharset() != charset)
+        if (Charset::defaultCharset() != charset)
             return 1;
     }
-    return kiv::cvtstr<std::string>(charset->name()) == charset->encode(charset->name())
-               ? 0
-               : 1;
+    return kiv::cvtstr<std::string>(charset->name()) != charset->encode(charset->name());
 }

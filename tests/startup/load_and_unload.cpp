@@ -9,40 +9,23 @@ namespace kiv {
 class Charset;
 }
 
-namespace {
-
-// kiv::Charset::defaultCharset(), as the Itanium C++ ABI names it.
-const kiv::Charset* default_charset(void* library)
+int main(int, char** argv)
 {
-    const auto function = reinterpret_cast<kiv::Charset* (*)()>(
-        dlsym(library, "_ZN3kiv7Charset14defaultCharsetEv"));
-    return function != nullptr ? function() : nullptr;
-}
-
-int fail(const char* why)
-{
-    std::puts(why);
-    return 1;
-}
-
-}  // namespace
-
-int main(int argc, char** argv)
-{
-    const kiv::Charset* charset = nullptr;
-    for (int i = 0; i < 3 && argc == 2; ++i) {
-        void* library = dlopen(argv[1], RTLD_NOW | RTLD_LOCAL);
+    kiv::Charset* charset = nullptr;
+    for (int i = 0; i < 3; ++i) {
+        void* const library = dlopen(argv[1], RTLD_NOW | RTLD_LOCAL);
         if (library == nullptr)
-            return fail(dlerror());
+            return std::puts(dlerror()), 1;
+        // kiv::Charset::defaultCharset(), as the Itanium C++ ABI names it.
+        const auto default_charset = reinterpret_cast<kiv::Charset* (*)()>(
+            dlsym(library, "_ZN3kiv7Charset14defaultCharsetEv"));
         if (i == 0)
-            charset = default_charset(library);
-        if (charset == nullptr || default_charset(library) != charset)
-            return fail("no default charset, or another one");
+            charset = default_charset();
+        if (charset == nullptr || default_charset() != charset)
+            return std::puts("no default charset, or another one"), 1;
         dlclose(library);
-
-        library = dlopen(argv[1], RTLD_NOW | RTLD_NOLOAD);
-        if (library == nullptr)
-            return fail("the library is gone");
+        if (dlopen(argv[1], RTLD_NOW | RTLD_NOLOAD) == nullptr)
+            return std::puts("the library is gone"), 1;
         dlclose(library);
     }
     std::puts("unloaded");
