@@ -1,6 +1,6 @@
 # Installation: the library, its headers, a CMake package and a pkg-config file.
 
-if(NOT PROJECT_IS_TOP_LEVEL)
+if(NOT KIVXX_INSTALL)
     return()
 endif()
 
@@ -35,3 +35,6 @@ install(FILES ${PROJECT_BINARY_DIR}/kivxx.pc
 
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/README.md
     DESTINATION ${CMAKE_INSTALL_DOCDIR})
+# The library holds tables made from Unicode data.
+install(FILES ${PROJECT_SOURCE_DIR}/data/unicode/LICENSE.txt
+    DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME LICENSE.Unicode.txt)

@@ -151,6 +151,7 @@ protected:
     BasicBuffer(const BasicBuffer&) noexcept = default;  // shares the array
     BasicBuffer& operator=(const BasicBuffer&) noexcept = default;
 
+    using BufferBase::init;
     void init(T* elements, std::size_t capacity)
     {
         init(elements, 0, capacity, capacity);
@@ -216,7 +217,11 @@ public:
     template <std::integral Index, std::convertible_to<T> Value>
     Buffer& put(Index index, Value value)
     {
-        return put(static_cast<std::size_t>(index), static_cast<T>(value));
+        const auto at = static_cast<std::size_t>(index);
+        if constexpr (std::is_same_v<T, char16> && std::integral<Value>)
+            return put(at, T(static_cast<char16_t>(value)));
+        else
+            return put(at, static_cast<T>(value));
     }
 };
 

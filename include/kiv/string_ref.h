@@ -65,6 +65,10 @@ public:
         : m_data(s.data()), m_size(s.size())
     {
     }
+    constexpr basic_string_ref(std::basic_string_view<CharT> s) noexcept
+        : m_data(s.data()), m_size(s.size())
+    {
+    }
 
     constexpr void swap(basic_string_ref& other) noexcept
     {

@@ -1,5 +1,6 @@
 // Whole-string conversion with the cached coders.
 
+#include <stdexcept>
 #include <utility>
 
 #include <kiv/charset.h>
@@ -15,6 +16,8 @@ std::unique_ptr<Coder> acquire(std::atomic<Coder*>& slot, Make make)
     std::unique_ptr<Coder> coder(slot.exchange(nullptr));
     if (!coder) {
         coder = make();
+        if (!coder)
+            throw std::logic_error("Charset: no coder");
         coder->onMalformedInput(CodingErrorAction::REPLACE);
         coder->onUnmappableCharacter(CodingErrorAction::REPLACE);
     }

@@ -79,7 +79,7 @@ struct CodingEngine {
             CoderResult result = convert<Names>(coder, in, out, true);
             if (result.isUnderflow())
                 result = flush<Names>(coder, out);
-            if (result.isError())
+            if (!result.isUnderflow() && !result.isOverflow())
                 result.throwException();
             written = out.position();
             if (result.isUnderflow())
@@ -104,14 +104,16 @@ private:
             }
             if (result.isOverflow())
                 return result;
-            if (result.length() == 0 || !drops(coder, in, result)) {
+            // A fault of no length would be met again for ever.
+            const bool legal = result.length() != 0 && result.length() <= in.remaining();
+            if (!legal || !drops(coder, in, result)) {
                 const CodingErrorAction action = result.isMalformed()
                                                      ? coder.m_malformedInputAction
                                                      : coder.m_unmappableCharacterAction;
                 if (action == CodingErrorAction::REPORT)
                     return result;
-                if (result.length() == 0)  // would be met again for ever
-                    throw CoderMalfunctionError(Names::EMPTY_FAULT);
+                if (!legal)
+                    throw CoderMalfunctionError(Names::ILLEGAL_LENGTH);
                 if (action == CodingErrorAction::REPLACE) {
                     const auto& replacement = coder.m_replacement;
                     if (out.remaining() < replacement.size())

@@ -13,7 +13,8 @@ struct DecoderNames {
         "CharsetDecoder::decode: unexpected buffer overflow";
     static constexpr char UNEXPECTED_UNDERFLOW[] =
         "CharsetDecoder::decode: unexpected buffer underflow";
-    static constexpr char EMPTY_FAULT[] = "CharsetDecoder::decode: fault of length 0";
+    static constexpr char ILLEGAL_LENGTH[] =
+        "CharsetDecoder::decode: illegal length of a fault";
 };
 
 }  // namespace

@@ -19,7 +19,8 @@ struct EncoderNames {
         "CharsetEncoder::encode: unexpected buffer overflow";
     static constexpr char UNEXPECTED_UNDERFLOW[] =
         "CharsetEncoder::encode: unexpected buffer underflow";
-    static constexpr char EMPTY_FAULT[] = "CharsetEncoder::encode: fault of length 0";
+    static constexpr char ILLEGAL_LENGTH[] =
+        "CharsetEncoder::encode: illegal length of a fault";
 };
 
 }  // namespace
@@ -75,6 +76,8 @@ bool CharsetEncoder::isLegalReplacement(basic_string_ref<char> bytes)
 {
     if (!m_replacementChecker) {
         auto checker = m_charset->newDecoder();
+        if (!checker)
+            throw std::logic_error("CharsetEncoder::isLegalReplacement: no decoder");
         checker->onMalformedInput(CodingErrorAction::REPORT);
         checker->onUnmappableCharacter(CodingErrorAction::REPORT);
         m_replacementChecker = std::move(checker);

@@ -72,7 +72,6 @@ struct CharsetRegistry {
     }
 
 private:
-    // In the order of the documentation.
     static void register_charsets()
     {
         us_ascii.build();

@@ -40,29 +40,44 @@ private:
         DecodeSpan span(in, out);
         for (;;) {
             span.run(LITTLE ? kernels().decode_utf16le : kernels().decode_utf16be);
+            // Pairs come in runs, and the kernel takes none of them.
+            while (decode_pair(span))
+                continue;
             if (span.in_left() < 2)
                 return span.finish(CoderResult::underflow());
             const char16 unit = load_unit<LITTLE>(span.in);
-            if (Char16::isHighSurrogate(unit)) {
-                if (span.in_left() < 4)
-                    return span.finish(CoderResult::underflow());
-                const char16 next = load_unit<LITTLE>(span.in + 2);
-                if (!Char16::isLowSurrogate(next))
-                    return span.finish(CoderResult::malformed(2));
-                if (span.out_left() < 2)
-                    return span.finish(CoderResult::overflow());
-                *span.out++ = unit;
-                *span.out++ = next;
-                span.in += 4;
-            } else {
-                if (Char16::isLowSurrogate(unit) || unit == SWAPPED_MARK)
-                    return span.finish(CoderResult::malformed(2));
-                if (span.out_left() < 1)
-                    return span.finish(CoderResult::overflow());
-                *span.out++ = unit;
-                span.in += 2;
-            }
+            if (Char16::isHighSurrogate(unit))
+                return span.finish(stop_at_high_surrogate(span));
+            if (Char16::isLowSurrogate(unit) || unit == SWAPPED_MARK)
+                return span.finish(CoderResult::malformed(2));
+            if (span.out_left() < 1)
+                return span.finish(CoderResult::overflow());
+            *span.out++ = unit;
+            span.in += 2;
         }
+    }
+
+    static bool decode_pair(DecodeSpan& span)
+    {
+        if (span.in_left() < 4 || span.out_left() < 2)
+            return false;
+        const char16 high = load_unit<LITTLE>(span.in);
+        const char16 low = load_unit<LITTLE>(span.in + 2);
+        if (!Char16::isSurrogatePair(high, low))
+            return false;
+        *span.out++ = high;
+        *span.out++ = low;
+        span.in += 4;
+        return true;
+    }
+
+    static CoderResult stop_at_high_surrogate(const DecodeSpan& span)
+    {
+        if (span.in_left() < 4)
+            return CoderResult::underflow();
+        return Char16::isLowSurrogate(load_unit<LITTLE>(span.in + 2))
+                   ? CoderResult::overflow()
+                   : CoderResult::malformed(2);
     }
 };
 
@@ -80,18 +95,26 @@ private:
         EncodeSpan span(in, out);
         for (;;) {
             span.run(LITTLE ? kernels().encode_utf16le : kernels().encode_utf16be);
+            while (encode_pair(span))
+                continue;
             if (span.in == span.in_end)
                 return span.finish(CoderResult::underflow());
-            const bool surrogate = Char16::isSurrogate(*span.in);
-            const std::size_t units = surrogate ? 2 : 1;
-            if (span.out_left() < 2 * units || span.in_left() < units ||
-                (surrogate && !Char16::isSurrogatePair(span.in[0], span.in[1])))
+            if (Char16::isSurrogate(*span.in) || span.out_left() < 2)
                 return span.finish(encode_stop(span));
-            for (std::size_t i = 0; i < units; ++i) {
-                store_unit<LITTLE>(span.out, *span.in++);
-                span.out += 2;
-            }
+            store_unit<LITTLE>(span.out, *span.in++);
+            span.out += 2;
         }
+    }
+
+    static bool encode_pair(EncodeSpan& span)
+    {
+        if (span.in_left() < 2 || span.out_left() < 4 ||
+            !Char16::isSurrogatePair(span.in[0], span.in[1]))
+            return false;
+        store_unit<LITTLE>(span.out, *span.in++);
+        store_unit<LITTLE>(span.out + 2, *span.in++);
+        span.out += 4;
+        return true;
     }
 };
 

@@ -193,13 +193,18 @@ private:
         const std::size_t within = std::min(span.in_left() / 3, span.out_left()) * 3;
         const unsigned char* stop = find_in_blocks(
             span.in, span.in + within, [](unsigned char byte) { return byte >= 0xF0; });
-        do {
+        for (;;) {
             if (span.in < stop)
                 span.run(kernels().decode_utf8, stop);
+            // Surrogates come in runs, and the kernel takes none of them.
+            const unsigned char* before = span.in;
+            while (decode_surrogate(span))
+                continue;
             if (span.in == span.in_end)
                 return span.finish(CoderResult::underflow());
-        } while ((*span.in < 0xF0 && decode_one(span)) || decode_surrogate(span));
-        return span.finish(decode_stop<Form::CESU_8>(span));
+            if (span.in == before && (*span.in >= 0xF0 || !decode_one(span)))
+                return span.finish(decode_stop<Form::CESU_8>(span));
+        }
     }
 };
 
@@ -211,16 +216,19 @@ private:
     CoderResult encodeLoop(Buffer<const char16>& in, Buffer<unsigned char>& out) override
     {
         EncodeSpan span(in, out);
-        do {
+        for (;;) {
+            const char16* before = span.in;
+            while (encode_surrogates(span))
+                continue;
             // UTF-8 but for the pairs; a unit takes a byte at least.
             const std::size_t within = std::min(span.in_left(), span.out_left());
             span.run(kernels().encode_utf8,
                      find_in_blocks(span.in, span.in + within, Char16::isSurrogate));
             if (span.in == span.in_end)
                 return span.finish(CoderResult::underflow());
-        } while (Char16::isSurrogate(*span.in) ? encode_surrogates(span)
-                                               : encode_one(span));
-        return span.finish(encode_stop(span));
+            if (span.in == before && (Char16::isSurrogate(*span.in) || !encode_one(span)))
+                return span.finish(encode_stop(span));
+        }
     }
 };
 

@@ -111,7 +111,8 @@ FAULTS = [
     ("CESU-8", "US-ASCII", encode("\U0001F600", "CESU-8"),
      "ED A0 BD ED B8 80 (U+1F600) cannot be written in US-ASCII"),
     ("UTF-16LE", "US-ASCII", b"\x3D\xD8\x00\xDE", "3D D8 00 DE (U+1F600) cannot be written"),
-    ("UTF-16BE", "ISO-8859-1", b"\x20\xAC", "20 AC (U+20AC) cannot be written in ISO-8859-1"),
+    ("UTF-16BE", "ISO-8859-1", b"\x20\xAC", "20 AC (U+20AC) cannot be written in ISO-8859-1, "
+                                                "which has U+0000 to U+00FF"),
     ("ISO-8859-1", "US-ASCII", b"\xE9", "E9 (U+00E9) cannot be written in US-ASCII"),
 ]
 
@@ -161,7 +162,7 @@ class Faults(ProgramTest):
     def test_standard_input_is_named(self):
         self.expect(run("-t", "us-ascii", stdin="abcé".encode()), 1, b"abc",
                     "kivconv: standard input: byte 3: C3 A9 (U+00E9) cannot be written in "
-                    "US-ASCII\n")
+                    "US-ASCII, which has U+0000 to U+007F\n")
 
     def test_silence(self):
         self.expect(run("-s", "-t", "us-ascii", stdin=b"abc\xC3\xA9"), 1, b"abc", "")

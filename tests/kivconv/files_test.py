@@ -10,7 +10,7 @@ import threading
 import time
 import unittest
 
-from program import ProgramTest, feed, run, start
+from program import ProgramTest, feed, program, run, start
 
 LATIN1 = b"na\xEFve caf\xE9\n"
 UTF8 = LATIN1.decode("latin-1").encode()
@@ -52,6 +52,20 @@ class Inputs(ProgramTest):
             os.chmod("folder/in", 0)
         if not os.access("folder/in", os.R_OK):
             self.expect(run("folder/in"), 2, b"", "kivconv: folder/in: Permission denied\n")
+
+
+    def test_closed_descriptors_are_not_reused(self):
+        def run_closed(redirection, *args):
+            return subprocess.run(["sh", "-c", f'exec "$0" "$@" {redirection}', program(), *args],
+                                  stdin=subprocess.DEVNULL, capture_output=True)
+
+        self.write("keep", b"as it was")
+        self.write("euro", "€".encode())
+        self.assertEqual(run_closed("<&-", "-f", "utf8", "-t", "utf8", "-o", "keep").returncode, 2)
+        self.assertEqual(self.read("keep"), b"as it was")
+        run_closed("2>&-", "-c", "-f", "utf8", "-t", "us-ascii", "-o", "out", "euro")
+        self.assertEqual(self.read("out"), b"")  # and no message in it
+        self.assertEqual(run_closed(">&-", "-f", "utf8", "-t", "utf8", "euro").returncode, 2)
 
 
 class OutputFile(ProgramTest):
@@ -196,6 +210,15 @@ class Streams(ProgramTest):
         self.assertEqual(written.digest(), expected.digest())
         if not os.environ.get("KIVCONV_SANITIZED"):
             self.assertLess(peak, 16 * 1024)
+
+    @unittest.skipIf(os.environ.get("KIVCONV_SANITIZED"), "takes minutes under sanitizers")
+    def test_more_than_4_gib(self):
+        size = 2**32 + 12345
+        with open("sparse", "wb") as file:
+            file.seek(size)
+            file.write(b"\xFF")
+        self.expect(run("-f", "utf8", "-t", "us-ascii", "-o", "/dev/null", "sparse"), 1, b"",
+                    [f"byte {size}: FF"])
 
     def test_progress(self):
         self.write("in", b"x" * 2_500_000)

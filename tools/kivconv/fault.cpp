@@ -102,6 +102,16 @@ std::string explain(const kiv::Charset& from, Bytes bytes, bool cut_short)
     return cut_short ? ENDS_WITHIN : "no character is encoded so";
 }
 
+// What a charset without a table can write, for the reader of an error.
+std::string repertoire(const kiv::Charset& to)
+{
+    if (&to == kiv::Charset::US_ASCII)
+        return ", which has U+0000 to U+007F";
+    if (&to == kiv::Charset::ISO_8859_1)
+        return ", which has U+0000 to U+00FF";
+    return {};
+}
+
 }  // namespace
 
 std::string describe_undecodable(const kiv::Charset& from, Bytes bytes,
@@ -128,7 +138,7 @@ std::string describe_unencodable(const kiv::Charset& to, Bytes bytes,
     const std::string character = hex(bytes) + " (" + code_point_text(units) + ")";
     if (kind == kiv::CoderResult::MALFORMED)
         return character + " is half of a surrogate pair; the other half is missing";
-    return character + " cannot be written in " + name_of(to);
+    return character + " cannot be written in " + name_of(to) + repertoire(to);
 }
 
 }  // namespace kivconv

@@ -6,6 +6,9 @@
 #include <optional>
 #include <string>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include "errors.h"
 #include "input.h"
 #include "options.h"
@@ -93,10 +96,21 @@ int run(int argc, char** argv)
     return EXIT_TROUBLE;
 }
 
+// A closed descriptor would be given to the next file that is opened: messages
+// would go into the output, or the output be read as the input. Opened the
+// wrong way round, so that using it fails.
+void occupy_standard_descriptors()
+{
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (::fcntl(descriptor, F_GETFD) == -1)
+            ::open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+}
+
 }  // namespace
 }  // namespace kivconv
 
 int main(int argc, char** argv)
 {
+    kivconv::occupy_standard_descriptors();
     return kivconv::run(argc, argv);
 }
