@@ -216,8 +216,10 @@ TEST(Buffer, TransfersAndCopies)
 
     Buffer<char16> copy = buffer;  // shares the array, has its own position
     copy.clear();
-    copy.put(u'x').put(1, u'y').put(2u, u'z').put(0, u'w');
+    copy.put(u'x').put(1, u'y').put(2u, 0x7A).put(0, u'w');
     EXPECT_TRUE(array[0] == u'w' && array[1] == u'y' && array[2] == u'z');
+    unsigned char bytes[1];
+    EXPECT_EQ(Buffer<unsigned char>(bytes, 1).put(0, 0x41).get(0), 'A');
     EXPECT_EQ(error_of([&] { copy.put(-1, u'x'); }), INDEX);
     EXPECT_EQ(indices(buffer), (Indices{4, 4, 4}));
 }
@@ -259,6 +261,8 @@ TEST(BufferDerived, Construction)
         EXPECT_EQ(indices(open), error.empty() ? at : (Indices{1, 2, 4}));
         open.init(elsewhere, 1);
         EXPECT_EQ(indices(open), (Indices{0, 1, 1}));
+        open.init(std::size_t{0}, 0, 1);  // the indices alone
+        EXPECT_EQ(indices(open), (Indices{0, 0, 1}));
     }
 }
 

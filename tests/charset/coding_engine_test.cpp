@@ -253,10 +253,16 @@ TYPED_TEST(CodingEngine, ErrorsOfSteps)
     coder.on_step = [](auto&, auto&) -> CoderResult { throw 42; };
     EXPECT_THROW(step(), int);
 
-    // A fault of no length would be met for ever.
-    coder.on_step = [](auto&, auto&) { return CoderResult::malformed(0); };
-    coder.onMalformedInput(REPLACE);
-    EXPECT_THROW(this->all("a"), kiv::CoderMalfunctionError);
+    // A fault of no length would be met for ever, one of too many passes the limit.
+    coder.onMalformedInput(REPLACE).onUnmappableCharacter(REPLACE);
+    for (const CoderResult fault : {CoderResult::malformed(0), CoderResult::malformed(2),
+                                    CoderResult::unmappable(2)}) {
+        coder.on_step = [fault](auto&, auto&) { return fault; };
+        EXPECT_THROW(this->all("a"), kiv::CoderMalfunctionError);
+    }
+    coder.on_step = [](auto&, auto&) { return CoderResult(CoderResult::Kind{9}, 1); };
+    coder.onUnmappableCharacter(kiv::CodingErrorAction::REPORT);
+    EXPECT_THROW(this->all("a"), kiv::CharacterCodingError);
 }
 
 // --- Whole buffers --------------------------------------------------------------------

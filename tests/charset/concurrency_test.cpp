@@ -48,6 +48,28 @@ TEST(CachedCoders, OneThatThrewIsDropped)
 }
 
 // A step that converts with its own charset meets an empty cache, never itself.
+// A charset for one direction, or for none.
+TEST(CachedCoders, CharsetWithoutCoders)
+{
+    class Mute : public kiv::Charset {
+    public:
+        Mute() : Charset(0, u"x-mute"_usv, {}) {}
+        std::unique_ptr<kiv::CharsetDecoder> newDecoder() const override
+        {
+            return nullptr;
+        }
+        std::unique_ptr<kiv::CharsetEncoder> newEncoder() const override
+        {
+            return nullptr;
+        }
+    };
+    const auto* mute = new Mute;
+    EXPECT_THROW(mute->decode("a"), std::logic_error);
+    EXPECT_THROW(mute->encode(u"a"_usv), std::logic_error);
+    EXPECT_THROW(toy::ToyEncoder{mute},
+                 std::logic_error);  // cannot check its replacement
+}
+
 TEST(CachedCoders, Recursion)
 {
     auto* charset = new toy::ToyCharset(u"x-cached-3"_usv);

@@ -267,6 +267,11 @@ struct Set {
     const kiv::Kernels* kernels;
 };
 
+void PrintTo(const Set& set, std::ostream* os)
+{
+    *os << set.name;
+}
+
 class KernelSet : public testing::TestWithParam<Set> {
 protected:
     void decodes(const Codec& codec, const Bytes& text, std::size_t room) const

@@ -138,6 +138,13 @@ TEST(CharsetRegistry, BuiltInCharsets)
         EXPECT_EQ(aliases, wanted);
         EXPECT_EQ(std::count(charsets.begin(), charsets.end(), charset), 1);
     }
+    // The order of aliases is that of the folded units: '_' before the letters.
+    std::string order;
+    for (const View& alias : Charset::ISO_8859_1->aliases())
+        order += narrow(alias) + ' ';
+    EXPECT_EQ(order,
+              "819 8859_1 CP819 csISOLatin1 IBM-819 IBM819 iso-ir-100 ISO8859-1 "
+              "ISO8859_1 ISO_8859-1 ISO_8859-1:1987 ISO_8859_1 l1 latin1 ");
     // Sorted, and each once.
     const auto not_less = [](const Charset* a, const Charset* b) {
         return !NameLess()(a->name(), b->name());

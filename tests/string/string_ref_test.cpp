@@ -265,6 +265,8 @@ TEST(StringRefLiteral, Usv)
     static_assert((u""_usv).empty() && (u"abc"_usv).find(u'c') == 2);
     EXPECT_EQ(text.data()[3], char16()) << "zero-terminated";
     EXPECT_EQ(text.data(), (u"a\0\xD800"_usv).data()) << "static text";
+    constexpr basic_string_ref<char> bytes = std::string_view("a\0b", 3);
+    static_assert(bytes.size() == 3);
 }
 
 // --- Streams -----------------------------------------------------------------------
