@@ -6,6 +6,8 @@
 
 #include <kiv/kiv.h>
 
+using namespace kiv::literals;
+
 namespace {
 
 int failures = 0;
