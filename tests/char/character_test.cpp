@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <iterator>
 #include <limits>
 #include <numeric>
 #include <random>
@@ -14,7 +13,6 @@
 
 #include "char/companion.h"
 #include "char/tables/classification.h"
-#include "companion/unicode_data.h"
 #include "support/errors.h"
 
 namespace {
@@ -62,28 +60,17 @@ void expect_answers(const std::string& name, Function function, Want want_of)
 
 // --- Surrogates and code points --------------------------------------------------
 
-static_assert(Char16::MIN_VALUE == u'\0' && Char16::MAX_VALUE == u'\xFFFF' &&
-              Char16::MIN_HIGH_SURROGATE == u'\xD800' &&
-              Char16::MAX_HIGH_SURROGATE == u'\xDBFF' &&
-              Char16::MIN_LOW_SURROGATE == u'\xDC00' &&
-              Char16::MAX_LOW_SURROGATE == u'\xDFFF' &&
-              Char16::MIN_SURROGATE == u'\xD800' && Char16::MAX_SURROGATE == u'\xDFFF');
-static_assert(Char16::MIN_CODE_POINT == 0 && Char16::MAX_CODE_POINT == 0x10FFFF &&
-              Char16::MIN_SUPPLEMENTARY_CODE_POINT == 0x10000 && Char16::MIN_RADIX == 2 &&
-              Char16::MAX_RADIX == 36);
-
 TEST(Char16, EveryUnit)
 {
     for (std::uint32_t u = 0; u < 0x10000; ++u) {
         const char16 c = static_cast<char16_t>(u);
         const bool high = u >= 0xD800 && u <= 0xDBFF;
         const bool low = u >= 0xDC00 && u <= 0xDFFF;
-        ASSERT_EQ(Char16::toCodeUnit(c), u);
         ASSERT_EQ(Char16::isHighSurrogate(c), high) << u;
         ASSERT_EQ(Char16::isLowSurrogate(c), low) << u;
         ASSERT_EQ(Char16::isSurrogate(c), high || low) << u;
-        ASSERT_EQ(Char16::isSurrogatePair(c, u'\xDC00'), high) << u;
-        ASSERT_EQ(Char16::isSurrogatePair(u'\xDBFF', c), low) << u;
+        ASSERT_EQ(Char16::isSurrogatePair(c, Char16::MIN_LOW_SURROGATE), high) << u;
+        ASSERT_EQ(Char16::isSurrogatePair(Char16::MAX_HIGH_SURROGATE, c), low) << u;
         // Units that are no surrogates go through the same arithmetic.
         ASSERT_EQ(Char16::toCodePoint(c, u'\xDC01'), 0x10001 + u % 0x400 * 0x400) << u;
         ASSERT_EQ(Char16::toCodePoint(u'\xD801', c), 0x10400 + u % 0x400) << u;
@@ -108,30 +95,28 @@ TEST(Char16, EveryCodePoint)
         ASSERT_EQ(Char16::isSupplementaryCodePoint(cp), cp > 0xFFFF && cp <= 0x10FFFF);
         ASSERT_EQ(Char16::isValidCodePoint(cp), cp <= 0x10FFFF);
         ASSERT_EQ(Char16::charCount(cp), want.size());
+        ustring s;
+        ASSERT_EQ(Char16::toChars(cp, s), want.size());
+        ASSERT_EQ(s, want);
         if (cp > 0xFFFF) {
             ASSERT_EQ(Char16::highSurrogate(cp), want[0]);
             ASSERT_EQ(Char16::lowSurrogate(cp), want[1]);
         }
-        ustring s = u"x"_us;
-        ASSERT_EQ(Char16::toChars(cp, s), want.size());
-        ASSERT_EQ(s, u"x"_us + want);
     });
 }
 
 TEST(Char16, ToCharsAtIndex)
 {
-    for (const ustring& text : {u""_us, u"a"_us, u"abc"_us})
-        for (const std::size_t index : {std::size_t{0}, std::size_t{1}, std::size_t{2},
-                                        std::size_t{3}, std::size_t{9}, NPOS})
-            for (const char32_t cp : {0x21u, 0xD800u, 0x1F600u, 0x110000u}) {
-                const ustring units = units_of(cp);
-                const std::size_t at = std::min(index, text.size());  // never a gap
-                const std::size_t after = std::min(at + units.size(), text.size());
-                ustring s = text;
-                EXPECT_EQ(Char16::toChars(cp, s, index), units.size());
-                EXPECT_EQ(s, text.substr(0, at) + units + text.substr(after))
-                    << text.size() << ' ' << index << ' ' << std::uint32_t{cp};
-            }
+    for (const std::size_t index : {std::size_t{0}, std::size_t{2}, std::size_t{3}, NPOS})
+        for (const char32_t cp : {0x21u, 0xD800u, 0x1F600u, 0x110000u}) {
+            const ustring units = units_of(cp);
+            const std::size_t at = std::min<std::size_t>(index, 3);  // never a gap
+            ustring want = u"abc"_us;
+            want.replace(at, units.size(), units);
+            ustring s = u"abc"_us;
+            EXPECT_EQ(Char16::toChars(cp, s, index), units.size());
+            EXPECT_EQ(s, want) << index << ' ' << std::uint32_t{cp};
+        }
 }
 
 // --- Walking ---------------------------------------------------------------------
@@ -140,10 +125,6 @@ template <class StringT>
 void expect_walks(const ustring& text, const StringT& s)
 {
     const std::size_t size = text.size();
-    const auto value = [&](std::size_t from, std::size_t to) {
-        return to - from == 2 ? Char16::toCodePoint(text[from], text[from + 1])
-                              : Char16::toCodeUnit(text[from]);
-    };
     for (std::size_t index = 0; index <= size; ++index) {
         // A walk stops everywhere but inside pairs; where it begins inside one,
         // it sees the pair's units alone.
@@ -166,15 +147,17 @@ void expect_walks(const ustring& text, const StringT& s)
             ASSERT_EQ(Char16::codePointCount(s, index, n),
                       std::count_if(after.begin(), after.end(), within));
         }
-        using limits = std::numeric_limits<std::ptrdiff_t>;
-        ASSERT_EQ(Char16::offsetByCodePoints(s, index, limits::min()), NPOS);
-        ASSERT_EQ(Char16::offsetByCodePoints(s, index, limits::max()), NPOS);
+        constexpr auto most = std::numeric_limits<std::ptrdiff_t>::max();
+        ASSERT_EQ(Char16::offsetByCodePoints(s, index, -most - 1), NPOS);
+        ASSERT_EQ(Char16::offsetByCodePoints(s, index, most), NPOS);
         ASSERT_EQ(Char16::codePointCount(s, index, NPOS), after.size() - 1);
         if (index < size) {
-            ASSERT_EQ(Char16::codePointAt(s, index), value(index, after[1]));
+            ASSERT_EQ(units_of(Char16::codePointAt(s, index)),
+                      text.substr(index, after[1] - index));
         }
         if (index > 0) {
-            ASSERT_EQ(Char16::codePointBefore(s, index), value(before[1], index));
+            ASSERT_EQ(units_of(Char16::codePointBefore(s, index)),
+                      text.substr(before[1], index - before[1]));
         }
     }
 }
@@ -184,13 +167,11 @@ void expect_walks(const ustring& text, const StringT& s)
 TEST(Char16, WalkingFollowsPairs)
 {
     std::mt19937 random(16);
-    static constexpr char16_t alphabet[] = {u'a',   0xD7FF, 0xD800, 0xDBFF, 0xDC00,
-                                            0xDFFF, 0xE000, 0xD83D, 0xDE00};
+    const ustring alphabet = u"a\xD7FF\xD800\xDBFF\xDC00\xDFFF\xE000"_us;
     for (int round = 0; round < 2000 && !HasFatalFailure(); ++round) {
         ustring text;
         for (std::size_t n = random() % 9; n != 0; --n)
-            text += alphabet[random() % std::size(alphabet)];
-        SCOPED_TRACE(round);
+            text += alphabet[random() % alphabet.size()];
         const ustring inside = u"\xD83D"_us + text + u"\xDE00"_us;
         expect_walks(text, text);
         expect_walks(text, view(inside).substr(1, text.size()));
@@ -199,59 +180,49 @@ TEST(Char16, WalkingFollowsPairs)
 
 TEST(Char16, WalkingOutsideTheText)
 {
-    const auto check = [](const auto& s) {
-        const auto message = [](auto call) {
-            return kivtest::what_of<std::out_of_range>(call);
-        };
-        for (const std::size_t beyond : {std::size_t{4}, NPOS}) {
-            EXPECT_EQ(message([&] { Char16::codePointCount(s, beyond, 0); }),
-                      "Char16::codePointCount(const StringT &, size_type, size_type)");
-            EXPECT_EQ(message([&] { Char16::offsetByCodePoints(s, beyond, -1); }),
-                      "Char16::offsetByCodePoints(const StringT &, size_type, "
-                      "difference_type)");
-            EXPECT_THROW(Char16::codePointAt(s, beyond - 1), std::out_of_range);
-            EXPECT_THROW(Char16::codePointBefore(s, beyond), std::out_of_range);
-        }
-        EXPECT_THROW(Char16::codePointBefore(s, 0), std::out_of_range);
+    const auto message = [](auto call) {
+        return kivtest::what_of<std::out_of_range>(call);
     };
-    check(u"abc"_us);
-    check(u"abc"_usv);
+    const view s = u"abc"_usv;
+    for (const std::size_t beyond : {std::size_t{4}, NPOS}) {
+        EXPECT_EQ(message([&] { Char16::codePointCount(s, beyond, 0); }),
+                  "Char16::codePointCount(const StringT &, size_type, size_type)");
+        EXPECT_EQ(message([&] { Char16::offsetByCodePoints(s, beyond, -1); }),
+                  "Char16::offsetByCodePoints(const StringT &, size_type, "
+                  "difference_type)");
+        EXPECT_THROW(Char16::codePointAt(s, beyond - 1), std::out_of_range);
+        EXPECT_THROW(Char16::codePointBefore(s, beyond), std::out_of_range);
+    }
+    EXPECT_THROW(Char16::codePointBefore(s, 0), std::out_of_range);
 }
 
 // --- Digits and char -------------------------------------------------------------
 
 TEST(Char16, DigitInEveryRadix)
 {
-    // The standard keeps decimal digits in runs from 0 to 9 without gaps, so
-    // their values follow from where the runs begin.
-    const auto categories = kivtest::read_categories("17.0.0/general_category.txt");
-    std::vector<int> values(categories.size(), -1);
-    for (std::size_t cp = 1; cp < categories.size(); ++cp)
-        if (categories[cp] == "Nd")
-            values[cp] = (values[cp - 1] + 1) % 10;
-    for (const char32_t first : {U'A', U'a', U'\uFF21', U'\uFF41'})
-        std::iota(&values[first], &values[first + 26], 10);
-
     for (const unsigned radix : {0u, 1u, 2u, 9u, 10u, 11u, 35u, 36u, 37u, ~0u})
         expect_answers(
             "radix " + std::to_string(radix),
             [&](auto c) { return Char16::digit(c, radix); },
             [&](std::int32_t cp) {
-                const auto i = static_cast<std::size_t>(cp);
-                const bool valid = radix >= 2 && radix <= 36 && i < values.size() &&
-                                   values[i] < static_cast<int>(radix);
-                return valid ? values[i] : -1;
+                int value = kivUniCharDigitValue(cp);
+                for (const int first : {0x41, 0x61, 0xFF21, 0xFF41})
+                    if (cp >= first && cp < first + 26)
+                        value = 10 + cp - first;
+                const bool valid =
+                    radix >= 2 && radix <= 36 && value < static_cast<int>(radix);
+                return valid ? value : -1;
             });
 }
 
 TEST(Char16, ForDigit)
 {
-    const std::u16string digits = u"0123456789abcdefghijklmnopqrstuvwxyz";
+    const std::string digits = "0123456789abcdefghijklmnopqrstuvwxyz";
     for (unsigned radix = 0; radix <= 40; ++radix)
-        for (const unsigned digit : {0u, 1u, 9u, 10u, 35u, 36u, radix - 1, radix, ~0u}) {
+        for (unsigned digit = ~0u; digit != 40; ++digit) {
             const bool valid = radix >= 2 && radix <= 36 && digit < radix;
-            EXPECT_EQ(Char16::forDigit(digit, radix),
-                      char16(valid ? digits[digit] : u'\0'));
+            EXPECT_EQ(Char16::narrow(Char16::forDigit(digit, radix), '?'),
+                      valid ? digits[digit] : '\0');
         }
 }
 
@@ -262,7 +233,7 @@ TEST(Char16, WidenAndNarrow)
                   byte < 0x80 ? byte : 0xFFFD);
     for (int u = 0; u < 0x10000; ++u) {
         const char16 unit = static_cast<char16_t>(u);
-        const int digit = Char16::digit(unit, 10);
+        const int digit = kivUniCharDigitValue(u);
         const int want = u < 0x80 ? u : digit >= 0 ? '0' + digit : '\xFF';
         ASSERT_EQ(Char16::narrow(unit, '\xFF'), want) << u;
     }
@@ -319,14 +290,12 @@ TEST(FreeFunctions, EveryUnit)
         const unsigned mask = kiv::tables::classification_mask(unit);
         for (const Row& row : rows)
             ASSERT_EQ(row.function(unit), (mask & row.mask) != 0) << u << &row - rows;
-        const char16_int lower = Char16::toLowerCase(unit);
-        const char16_int upper = Char16::toUpperCase(unit);
-        ASSERT_EQ(kiv::toulower(unit), char16(lower)) << u;
-        ASSERT_EQ(kiv::touupper(unit), char16(upper)) << u;
-        ASSERT_EQ(kiv::toulower(char16(unit)), char16(lower)) << u;
-        ASSERT_EQ(kiv::touupper(char16(unit)), char16(upper)) << u;
-        ASSERT_EQ(kiv::toulower(char16_int(unit)), lower) << u;
-        ASSERT_EQ(kiv::touupper(char16_int(unit)), upper) << u;
+        const char16 lower(Char16::toLowerCase(unit));
+        const char16 upper(Char16::toUpperCase(unit));
+        ASSERT_EQ(kiv::toulower(char16(unit)), lower) << u;
+        ASSERT_EQ(kiv::touupper(char16(unit)), upper) << u;
+        ASSERT_EQ(kiv::toulower(char16_int(unit)), char16_int(lower)) << u;
+        ASSERT_EQ(kiv::touupper(char16_int(unit)), char16_int(upper)) << u;
     }
 }
 

@@ -47,11 +47,7 @@ TEST(CoderResult, ThrowsItsError)
     EXPECT_THROW(CoderResult::underflow().throwException(), kiv::BufferUnderflowError);
     EXPECT_THROW(CoderResult::overflow().throwException(), kiv::BufferOverflowError);
     EXPECT_THROW(CoderResult::malformed(1).throwException(), MalformedInputError);
-    try {
-        CoderResult::unmappable(2).throwException();
-    } catch (const UnmappableCharacterError& e) {
-        EXPECT_EQ(e.getInputLength(), 2u);
-    }
+    EXPECT_THROW(CoderResult::unmappable(2).throwException(), UnmappableCharacterError);
 }
 
 }  // namespace

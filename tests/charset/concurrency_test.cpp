@@ -25,7 +25,6 @@ TEST(CachedCoders, ReplaceFaultsAndAreReused)
     for (int i = 0; i < 3; ++i)
         EXPECT_EQ(charset->decode("a!#"), u"a\uFFFD\uFFFD"_us);
     EXPECT_EQ(charset->decode('#'), u"\uFFFD"_us);
-    EXPECT_EQ(charset->decode(""), u""_us);
     EXPECT_EQ(charset->decoders, 1);
     EXPECT_EQ(charset->last_decoder.load()->log,
               "malformed1 unmappable1 reset reset reset reset ");
@@ -47,29 +46,22 @@ TEST(CachedCoders, OneThatThrewIsDropped)
     EXPECT_EQ(charset->live(), 0);
 }
 
-// A step that converts with its own charset meets an empty cache, never itself.
 // A charset for one direction, or for none.
 TEST(CachedCoders, CharsetWithoutCoders)
 {
-    class Mute : public kiv::Charset {
-    public:
+    struct Mute : Charset {
         Mute() : Charset(0, u"x-mute"_usv, {}) {}
-        std::unique_ptr<kiv::CharsetDecoder> newDecoder() const override
-        {
-            return nullptr;
-        }
-        std::unique_ptr<kiv::CharsetEncoder> newEncoder() const override
-        {
-            return nullptr;
-        }
+        std::unique_ptr<kiv::CharsetDecoder> newDecoder() const override { return {}; }
+        std::unique_ptr<kiv::CharsetEncoder> newEncoder() const override { return {}; }
     };
     const auto* mute = new Mute;
     EXPECT_THROW(mute->decode("a"), std::logic_error);
     EXPECT_THROW(mute->encode(u"a"_usv), std::logic_error);
-    EXPECT_THROW(toy::ToyEncoder{mute},
-                 std::logic_error);  // cannot check its replacement
+    // It cannot check its replacement.
+    EXPECT_THROW(toy::ToyEncoder{mute}, std::logic_error);
 }
 
+// A step that converts with its own charset meets an empty cache, never itself.
 TEST(CachedCoders, Recursion)
 {
     auto* charset = new toy::ToyCharset(u"x-cached-3"_usv);
@@ -79,8 +71,7 @@ TEST(CachedCoders, Recursion)
         if (depth == 3)
             return;
         ++depth;
-        EXPECT_EQ(charset->decode("ab"), u"ab"_us);
-        EXPECT_EQ(charset->decode("!"), u"\uFFFD"_us);
+        EXPECT_EQ(charset->decode("ab!"), u"ab\uFFFD"_us);
         --depth;
     };
     EXPECT_EQ(charset->decode("a"), u"a"_us);

@@ -39,28 +39,6 @@ TEST(SingleByte, EveryByte)
     }
 }
 
-TEST(SingleByte, EveryUnit)
-{
-    for (const SingleByte& row : CHARSETS) {
-        SCOPED_TRACE(kiv::cvtstr<std::string>(row.charset->name()));
-        const auto encoder = row.charset->newEncoder();
-        for (unsigned unit = 0; unit < 0x10000; ++unit)
-            ASSERT_EQ(encoder->canEncode(kiv::char16(static_cast<char16_t>(unit))),
-                      unit < row.mapped ||
-                          // default-ignorable characters vanish
-                          unit == 0xAD || unit == 0x34F || unit == 0x61C ||
-                          (unit >= 0x115F && unit <= 0x1160) ||
-                          (unit >= 0x17B4 && unit <= 0x17B5) ||
-                          (unit >= 0x180B && unit <= 0x180E) ||
-                          (unit >= 0x200B && unit <= 0x200F) ||
-                          (unit >= 0x202A && unit <= 0x202E) ||
-                          (unit >= 0x2060 && unit <= 0x206F) || unit == 0x3164 ||
-                          (unit >= 0xFE00 && unit <= 0xFE0F) || unit == 0xFEFF ||
-                          unit == 0xFFA0 || (unit >= 0xFFF0 && unit <= 0xFFF8))
-                << std::hex << unit;
-    }
-}
-
 TEST(SingleByte, FaultsWhenEncoding)
 {
     const auto u = [](std::uint32_t length) { return CoderResult::unmappable(length); };

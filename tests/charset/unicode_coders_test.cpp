@@ -60,8 +60,7 @@ TEST(UnicodeCoders, EveryCodePointRoundTrips)
 {
     for (const UnicodeCharset& row : CHARSETS) {
         SCOPED_TRACE(kiv::cvtstr<std::string>(row.charset->name()));
-        const bool utf16 = row.charset == Charset::UTF_16BE ||  // refuses to read U+FFFE
-                           row.charset == Charset::UTF_16LE;
+        const bool utf16 = row.encode_point(0).size() == 2;  // refuses to read U+FFFE
         std::u16string text;
         std::string bytes;
         for (char32_t cp = 0; cp <= 0x10FFFF; ++cp) {
@@ -70,9 +69,7 @@ TEST(UnicodeCoders, EveryCodePointRoundTrips)
             text += model::utf16(cp);
             bytes += row.encode_point(cp);
         }
-        EXPECT_TRUE(row.charset->encode(to_ustring(text)) == bytes);
-        EXPECT_TRUE(to_u16(row.charset->decode(bytes)) == text);
-        // The same by coders that report every fault.
+        // By coders that report every fault.
         EXPECT_TRUE(row.charset->newEncoder()->encode(to_ustring(text)) == bytes);
         EXPECT_TRUE(to_u16(row.charset->newDecoder()->decode(bytes)) == text);
     }
@@ -83,65 +80,52 @@ TEST(UnicodeCoders, EveryCodePointRoundTrips)
 struct FaultCase {
     const Charset* charset;
     std::string bytes;
-    std::vector<CoderResult> faults;  // in order
+    std::string lengths;  // of the faults, a digit each
     const char* why;
 };
 
 // The model must agree with these before it is trusted with more.
 TEST(UnicodeCoders, LengthsOfFaults)
 {
-    const auto m = [](std::uint32_t length) { return CoderResult::malformed(length); };
+    using C = Charset;
+    const std::string zero(1, '\0');
     const FaultCase cases[] = {
-        {Charset::UTF_8, "\xC3\x28", {m(2)}, "the offending byte belongs to the fault"},
-        {Charset::UTF_8, "\xE2\x28\x41", {m(2)}, "and only the bytes up to it"},
-        {Charset::UTF_8, "\xE2\x82\x28", {m(3)}, "second continuation byte"},
-        {Charset::UTF_8, "\xF0\x9F\x98\x28", {m(4)}, "third continuation byte"},
-        {Charset::UTF_8, "\xED\xA0\x80", {m(3)}, "an encoded surrogate"},
-        {Charset::UTF_8, "\xC0\x80", {m(2)}, "overlong"},
-        {Charset::UTF_8, "\xE0\x9F\xBF", {m(3)}, "overlong"},
-        {Charset::UTF_8, "\xF0\x8F\xBF\xBF", {m(4)}, "overlong"},
-        {Charset::UTF_8, "\xF4\x90\x80\x80", {m(4)}, "above U+10FFFF"},
-        {Charset::UTF_8, "\xF7\xBF\xBF\xBF", {m(4)}, "above U+10FFFF"},
-        {Charset::UTF_8,
-         "\xF8\x88\x80\x80\x80",
-         {m(1), m(1), m(1), m(1), m(1)},
-         "no sequence begins so"},
-        {Charset::UTF_8, "\x80", {m(1)}, "a continuation byte"},
-        {Charset::UTF_8, "\xF0\x41\x42", {m(3)}, "all that the end has left"},
-        {Charset::UTF_8, "\xE2\x28", {m(2)}, "all that the end has left"},
-        {Charset::UTF_8, "\xE2\x82", {m(2)}, "cut off by the end"},
-        {Charset::CESU_8,
-         "\xF0\x9F\x98\x80",
-         {m(1), m(1), m(1), m(1)},
-         "no sequences of four bytes"},
-        {Charset::CESU_8, "\xED\xA0\x80", {}, "a surrogate by itself is passed on"},
-        {Charset::CESU_8, "\xE0\x9F\xBF\xC1\xBF", {m(3), m(2)}, "overlong"},
-        {Charset::CESU_8, "\xED\xA0", {m(2)}, "cut off by the end"},
-        {Charset::UTF_16BE,
-         std::string("\xD8\x00\x41", 3),
-         {m(3)},
-         "all that the end has left"},
-        {Charset::UTF_16BE,
-         std::string("\xD8\x00\x00\x41", 4),
-         {m(2)},
-         "the high surrogate only"},
-        {Charset::UTF_16BE, std::string("\xDC\x00", 2), {m(2)}, "low surrogate"},
-        {Charset::UTF_16BE, "\xFF\xFE", {m(2)}, "a mark in the wrong order"},
-        {Charset::UTF_16LE, "\xFE\xFF", {m(2)}, "a mark in the wrong order"},
-        {Charset::UTF_16LE, "\xFF\xFE", {}, "a mark is a character"},
-        {Charset::UTF_16LE, std::string("\x41\x00\x42", 3), {m(1)}, "odd byte"},
+        {C::UTF_8, "\xC3\x28", "2", "the offending byte belongs to the fault"},
+        {C::UTF_8, "\xE2\x28\x41", "2", "and only the bytes up to it"},
+        {C::UTF_8, "\xE2\x82\x28", "3", "second continuation byte"},
+        {C::UTF_8, "\xF0\x9F\x98\x28", "4", "third continuation byte"},
+        {C::UTF_8, "\xED\xA0\x80", "3", "an encoded surrogate"},
+        {C::UTF_8, "\xC0\x80", "2", "overlong"},
+        {C::UTF_8, "\xE0\x9F\xBF", "3", "overlong"},
+        {C::UTF_8, "\xF0\x8F\xBF\xBF", "4", "overlong"},
+        {C::UTF_8, "\xF4\x90\x80\x80", "4", "above U+10FFFF"},
+        {C::UTF_8, "\xF8\x88\x80\x80\x80", "11111", "no sequence begins so"},
+        {C::UTF_8, "\xF0\x41\x42", "3", "all that the end has left"},
+        {C::UTF_8, "\xE2\x28", "2", "all that the end has left"},
+        {C::UTF_8, "\xE2\x82", "2", "cut off by the end"},
+        {C::CESU_8, "\xF0\x9F\x98\x80", "1111", "no sequences of four bytes"},
+        {C::CESU_8, "\xED\xA0\x80", "", "a surrogate by itself is passed on"},
+        {C::CESU_8, "\xE0\x9F\xBF\xC1\xBF", "32", "overlong"},
+        {C::CESU_8, "\xED\xA0", "2", "cut off by the end"},
+        {C::UTF_16BE, "\xD8" + zero + "A", "3", "all that the end has left"},
+        {C::UTF_16BE, "\xD8" + zero + zero + "A", "2", "the high surrogate only"},
+        {C::UTF_16BE, "\xDC" + zero, "2", "low surrogate"},
+        {C::UTF_16BE, "\xFF\xFE", "2", "a mark in the wrong order"},
+        {C::UTF_16LE, "\xFE\xFF", "2", "a mark in the wrong order"},
+        {C::UTF_16LE, "\xFF\xFE", "", "a mark is a character"},
+        {C::UTF_16LE, "A" + zero + "B", "1", "odd byte"},
     };
     for (const FaultCase& c : cases) {
         SCOPED_TRACE(c.why);
-        const UnicodeCharset& row = *std::find_if(
-            std::begin(CHARSETS), std::end(CHARSETS),
-            [&](const UnicodeCharset& r) { return r.charset == c.charset; });
+        const UnicodeCharset& row =
+            *std::find_if(std::begin(CHARSETS), std::end(CHARSETS),
+                          [&](auto& r) { return r.charset == c.charset; });
         const DecodeItems items = row.decode(c.bytes);
-        std::vector<CoderResult> faults;
+        std::string lengths;
         for (const support::DecodeItem& item : items)
             if (item.fault.isError())
-                faults.push_back(item.fault);
-        EXPECT_TRUE(faults == c.faults) << "the model";
+                lengths += std::to_string(item.fault.length());
+        EXPECT_EQ(lengths, c.lengths) << "the model";
         support::check_decoder(c.charset, items);
         // The same bytes in the midst of text are cut as the text decides.
         support::check_decoder(c.charset,
@@ -173,7 +157,6 @@ TEST(UnicodeCoders, EverySequenceOfByteClasses)
 }
 
 // --- Cuts, capacities and actions over mixed input
-// --------------------------------------
 
 // Bytes that are mostly text of one script, with faults strewn in.
 std::string noisy_bytes(const UnicodeCharset& row, std::mt19937& random, std::size_t size)
@@ -217,64 +200,32 @@ TEST(UnicodeCoders, NoisyInputInPieces)
 TEST(UnicodeCoders, EncodingInPieces)
 {
     std::mt19937 random(20240612);
-    constexpr char16_t UNITS[] = {u'a',   u' ',   0x7F,   0x80,   0xE9,   0x7FF,
+    constexpr char16_t UNITS[] = {u'a',   0xD83D, 0xDE00, 0x7F,   0x80,   0x7FF,
                                   0x800,  0x4E00, 0xD7FF, 0xD800, 0xDBFF, 0xDC00,
-                                  0xDFFF, 0xE000, 0xFFFE, 0xFFFF, 0xD83D, 0xDE00};
+                                  0xDFFF, 0xE000, 0xFFFE, 0xFFFF};
     for (const UnicodeCharset& row : CHARSETS) {
         SCOPED_TRACE(kiv::cvtstr<std::string>(row.charset->name()));
-        for (int round = 0; round < 60; ++round) {
+        for (int round = 0; round < 80; ++round) {
+            const bool small = round < 20;
             std::u16string units;
             const std::size_t kinds = 1 + random() % std::size(UNITS);
-            for (int i = 0; i < (round < 8 ? 24 : 200); ++i)
+            for (int i = 0; i < (small ? 1 + round : 200); ++i)
                 units.push_back(UNITS[random() % kinds]);
             support::check_encoder(row.charset, model::encode(units, row.encode_point),
-                                   round < 8 ? Effort::FULL : Effort::QUICK);
+                                   small ? Effort::FULL : Effort::QUICK);
         }
-    }
-}
-
-TEST(UnicodeCoders, SurrogatesAtTheEnds)
-{
-    for (const UnicodeCharset& row : CHARSETS)
-        for (const std::u16string units : {u"\xD83D", u"\xDE00", u"\xD83D\xDE00",
-                                           u"\xD83D\xD83D\xDE00", u"\xDE00\xD83D",
-                                           u"\xD83D"
-                                           u"A",
-                                           u"A\xDE00"
-                                           u"B"}) {
-            SCOPED_TRACE(kiv::cvtstr<std::string>(row.charset->name()));
-            support::check_encoder(row.charset, model::encode(units, row.encode_point));
-        }
-}
-
-// A high surrogate at the end of a piece waits for the next one; at the end of
-// the input the engine calls it malformed.
-TEST(UnicodeCoders, UnfinishedPairWaits)
-{
-    for (const UnicodeCharset& row : CHARSETS) {
-        const auto encoder = row.charset->newEncoder();
-        const kiv::char16 high[] = {char16_t{0xD83D}};
-        unsigned char bytes[8];
-        kiv::Buffer<const kiv::char16> in(high, 1);
-        kiv::Buffer<unsigned char> out(bytes, sizeof bytes);
-        EXPECT_EQ(encoder->encode(in, out, false), CoderResult::underflow());
-        EXPECT_EQ(in.position(), 0u);
-        EXPECT_EQ(encoder->encode(in, out, true), CoderResult::malformed(1));
-        EXPECT_EQ(in.position(), 0u);
     }
 }
 
 // --- What the charsets are made with
-// -----------------------------------------------------
 
-TEST(UnicodeCoders, Ratios)
+TEST(UnicodeCoders, RatiosAndReplacements)
 {
     struct Row {
         const Charset* charset;
-        float chars_per_byte;
-        float bytes_per_char;
+        float chars_per_byte, bytes_per_char;
         unsigned max_bytes;
-        std::string replacement;
+        const char* replacement;
     };
     const Row rows[] = {{Charset::UTF_8, 1.0F, 1.1F, 3, "?"},
                         {Charset::CESU_8, 1.0F, 1.1F, 3, "?"},
@@ -288,15 +239,14 @@ TEST(UnicodeCoders, Ratios)
         const auto encoder = row.charset->newEncoder();
         EXPECT_EQ(decoder->averageCharsPerByte(), row.chars_per_byte);
         EXPECT_EQ(decoder->maxCharsPerByte(), 1u);
-        EXPECT_TRUE(decoder->replacement() == u"\uFFFD"_us);
+        EXPECT_EQ(decoder->replacement(), u"\uFFFD"_us);
         EXPECT_EQ(encoder->averageBytesPerChar(), row.bytes_per_char);
         EXPECT_EQ(encoder->maxBytesPerChar(), row.max_bytes);
         EXPECT_EQ(encoder->replacement(), row.replacement);
         EXPECT_EQ(decoder->charset(), row.charset);
         EXPECT_EQ(encoder->charset(), row.charset);
+        EXPECT_EQ(row.charset->encode(char16_t{0xDC00}), row.replacement);
     }
-    EXPECT_EQ(Charset::UTF_16BE->encode(kiv::char16(char16_t{0xDC00})), "\xFF\xFD");
-    EXPECT_EQ(Charset::UTF_16LE->encode(kiv::char16(char16_t{0xDC00})), "\xFD\xFF");
 }
 
 // Real text in many scripts, there and back.
@@ -306,13 +256,13 @@ TEST(UnicodeCoders, RealText)
     for (const auto& entry : std::filesystem::directory_iterator(KIV_TEXT_DIR)) {
         if (entry.path().extension() != ".txt")
             continue;
+        SCOPED_TRACE(entry.path());
         std::ifstream file(entry.path(), std::ios::binary);
         const std::string bytes{std::istreambuf_iterator<char>(file), {}};
         const kiv::ustring text = Charset::UTF_8->newDecoder()->decode(bytes);
-        EXPECT_TRUE(Charset::UTF_8->encode(text) == bytes) << entry.path();
+        EXPECT_TRUE(Charset::UTF_8->encode(text) == bytes);
         for (const UnicodeCharset& row : CHARSETS)
-            EXPECT_TRUE(row.charset->decode(row.charset->encode(text)) == text)
-                << entry.path();
+            EXPECT_TRUE(row.charset->decode(row.charset->encode(text)) == text);
         ++files;
     }
     EXPECT_GE(files, 12);

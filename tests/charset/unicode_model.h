@@ -61,6 +61,12 @@ inline std::string utf16_bytes(const std::u16string& units, bool little)
     return bytes;
 }
 
+inline support::DecodeItem malformed(const std::string& bytes)
+{
+    const auto length = static_cast<std::uint32_t>(bytes.size());
+    return {bytes, {}, kiv::CoderResult::malformed(length)};
+}
+
 // What becomes of any bytes when all of them are there: the end of `bytes` is
 // the end of the input.
 inline support::DecodeItems decode_utf8(const std::string& bytes, bool cesu)
@@ -72,13 +78,12 @@ inline support::DecodeItems decode_utf8(const std::string& bytes, bool cesu)
         };
         const std::size_t left = bytes.size() - at;
         const std::uint32_t lead = byte(0);
-        std::size_t length = lead < 0x80                   ? 1
-                             : lead >= 0xC0 && lead < 0xE0 ? 2
-                             : lead >= 0xE0 && lead < 0xF0 ? 3
-                             : lead >= 0xF0 && lead < 0xF8 ? 4
-                                                           : 0;
-        if (cesu && length == 4)
-            length = 0;
+        const std::size_t length = lead < 0x80            ? 1
+                                   : lead < 0xC0          ? 0
+                                   : lead < 0xE0          ? 2
+                                   : lead < 0xF0          ? 3
+                                   : lead < 0xF8 && !cesu ? 4
+                                                          : 0;
         std::size_t faulty = 0;
         char32_t cp = 0;
         if (length == 0) {
@@ -98,10 +103,7 @@ inline support::DecodeItems decode_utf8(const std::string& bytes, bool cesu)
                 faulty = length;
         }
         if (faulty != 0)
-            items.push_back(
-                {bytes.substr(at, faulty),
-                 {},
-                 kiv::CoderResult::malformed(static_cast<std::uint32_t>(faulty))});
+            items.push_back(malformed(bytes.substr(at, faulty)));
         else
             items.push_back({bytes.substr(at, length), utf16(cp)});
         at += items.back().in.size();
@@ -120,29 +122,15 @@ inline support::DecodeItems decode_utf16(const std::string& bytes, bool little)
                                                 : first * 0x100 + second);
         };
         const std::size_t left = bytes.size() - at;
-        std::size_t faulty = 0;
-        std::u16string out;
-        if (left < 2) {
-            faulty = left;
-        } else if (is_high(unit(0))) {
-            if (left < 4)
-                faulty = left;
-            else if (is_low(unit(2)))
-                out = {unit(0), unit(2)};
-            else
-                faulty = 2;
-        } else if (is_low(unit(0)) || unit(0) == 0xFFFE) {
-            faulty = 2;
-        } else {
-            out = {unit(0)};
-        }
-        if (faulty != 0)
-            items.push_back(
-                {bytes.substr(at, faulty),
-                 {},
-                 kiv::CoderResult::malformed(static_cast<std::uint32_t>(faulty))});
+        const bool high = left >= 2 && is_high(unit(0));
+        if (left < (high ? 4 : 2))
+            items.push_back(malformed(bytes.substr(at)));
+        else if (high && is_low(unit(2)))
+            items.push_back({bytes.substr(at, 4), {unit(0), unit(2)}});
+        else if (high || is_low(unit(0)) || unit(0) == 0xFFFE)
+            items.push_back(malformed(bytes.substr(at, 2)));
         else
-            items.push_back({bytes.substr(at, 2 * out.size()), out});
+            items.push_back({bytes.substr(at, 2), {unit(0)}});
         at += items.back().in.size();
     }
     return items;

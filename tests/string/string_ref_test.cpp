@@ -23,13 +23,14 @@ using namespace kiv::literals;
 
 constexpr std::size_t NPOS = static_cast<std::size_t>(-1);
 
+// What a unit counts as: unsigned.
 template <class CharT>
-std::uint32_t number(CharT c)
+char32_t number(CharT c)
 {
     if constexpr (std::is_same_v<CharT, char16>)
         return static_cast<char16_t>(c);
     else
-        return static_cast<std::make_unsigned_t<CharT>>(c);
+        return static_cast<char32_t>(static_cast<std::make_unsigned_t<CharT>>(c));
 }
 
 // Zero, a letter, the greatest and the least value that a signed type could
@@ -45,13 +46,13 @@ CharT unit(std::size_t i)
         return static_cast<CharT>(values[i]);
 }
 
-// The same text as unsigned numbers in the standard's own string.
+// The same text in the standard's own string.
 template <class CharT>
 std::u32string numbers(basic_string_ref<CharT> text)
 {
     std::u32string copy;
     for (const CharT c : text)
-        copy += static_cast<char32_t>(number(c));
+        copy += number(c);
     return copy;
 }
 
@@ -80,14 +81,8 @@ protected:
     // Mostly near the text, at times the greatest values.
     std::size_t random_position(std::size_t size)
     {
-        const std::size_t pick = below(10);
-        return pick == 0 ? NPOS : pick == 1 ? NPOS - 1 : below(size + 3);
-    }
-
-    // An empty view is one without an array.
-    static basic_string_ref<CharT> view_of(const std::basic_string<CharT>& s)
-    {
-        return s.empty() ? basic_string_ref<CharT>() : basic_string_ref<CharT>(s);
+        const std::size_t pick = below(size + 5);
+        return pick < size + 3 ? pick : pick - size - 5;
     }
 
     std::mt19937 random{4711};
@@ -101,32 +96,21 @@ TYPED_TEST(StringRef, ConstructionAndAccess)
     using view = basic_string_ref<TypeParam>;
     using string = std::basic_string<TypeParam>;
     static_assert(std::is_trivially_copyable_v<view> && sizeof(view) == 16);
-    static_assert(std::is_convertible_v<const TypeParam*, view> &&
-                  std::is_convertible_v<const string&, view> &&
-                  std::is_convertible_v<view, string>);
-    static_assert(view::npos == NPOS);
-
     const string s = from_ascii<TypeParam>(std::string_view("he\0lo", 5));
     const view v = s;
     EXPECT_EQ(view(s.c_str()).size(), 2u) << "a pointer's text ends at zero";
     EXPECT_EQ(v.max_size(), NPOS) << "whatever the size of a character";
-    EXPECT_TRUE(v.data() == s.data() && v.size() == 5 && v.length() == 5);
-    EXPECT_TRUE(v.end() - v.begin() == 5 && v.cend() - v.cbegin() == 5);
-    EXPECT_TRUE(&v.front() == s.data() && &v[1] == s.data() + 1);
-    EXPECT_TRUE(&v.back() == s.data() + 4 && &v.at(4) == s.data() + 4);
+    EXPECT_TRUE(&v.front() == s.data() && &v.back() == &v.at(4));
     EXPECT_EQ(string(v.rbegin(), v.rend()), string(s.rbegin(), s.rend()));
-    EXPECT_EQ(string(v.crbegin(), v.crend()), string(s.rbegin(), s.rend()));
-    EXPECT_EQ(v.to_string(), s);
+    EXPECT_EQ(string(v), s);
     EXPECT_EQ(view().to_string(), string());
 
-    view a = v;
-    view b = v.substr(1, 2);
+    view a = v.substr(1, 3);
+    view b;
     a.swap(b);
-    EXPECT_TRUE(a.data() == s.data() + 1 && a.size() == 2);
-    EXPECT_TRUE(b.data() == s.data() && b.size() == 5);
-    b.remove_prefix(2);
-    b.remove_suffix(2);
-    EXPECT_TRUE(b.data() == s.data() + 2 && b.size() == 1 && !b.empty());
+    b.remove_prefix(1);
+    b.remove_suffix(1);
+    EXPECT_TRUE(a.empty() && b.data() == s.data() + 2 && b.size() == 1);
 }
 
 TYPED_TEST(StringRef, Bounds)
@@ -141,11 +125,9 @@ TYPED_TEST(StringRef, Bounds)
     EXPECT_EQ(v.copy(target, 5, 5), 0u);
     EXPECT_EQ(message([&] { v.at(5); }), prefix + "at");
     for (const std::size_t pos : {std::size_t{6}, NPOS}) {
-        EXPECT_EQ(message([&] { v.at(pos); }), prefix + "at");
         EXPECT_EQ(message([&] { v.copy(target, 0, pos); }), prefix + "copy");
         EXPECT_EQ(message([&] { v.substr(pos, 0); }), prefix + "substr");
         EXPECT_EQ(message([&] { v.compare(pos, 0, v); }), prefix + "compare");
-        EXPECT_EQ(message([&] { v.compare(pos, 0, v, 0, 0); }), prefix + "compare");
         EXPECT_EQ(message([&] { v.compare(0, 0, v, pos, 0); }), prefix + "compare");
         EXPECT_EQ(message([&] { v.compare(pos, 0, v.data()); }), prefix + "compare");
         EXPECT_EQ(message([&] { v.compare(pos, 0, v.data(), 1); }), prefix + "compare");
@@ -193,8 +175,8 @@ TYPED_TEST(StringRef, CompareValues)
         const auto a = this->random_text(4);
         const auto b =
             a.substr(0, this->below(2) * this->below(5)) + this->random_text(3);
-        const auto v = this->view_of(a);
-        const auto w = this->view_of(b);
+        const basic_string_ref<TypeParam> v = a;
+        const basic_string_ref<TypeParam> w = b;
         const std::u32string m = numbers(v);
         const std::u32string n = numbers(w);
         const std::size_t pos = this->below(a.size() + 1);
@@ -228,14 +210,14 @@ TYPED_TEST(StringRef, SearchFamily)
         const auto needle = this->random_text(3);
         const TypeParam c = unit<TypeParam>(this->below(5));
         const std::size_t pos = this->random_position(text.size());
-        const auto v = this->view_of(text);
-        const auto w = this->view_of(needle);
+        const basic_string_ref<TypeParam> v = text;
+        const basic_string_ref<TypeParam> w = needle;
         const std::u32string m = numbers(v);
         const std::u32string n = numbers(w);
         const std::u32string z = n.substr(0, n.find(U'\0'));
-        const auto d = static_cast<char32_t>(number(c));
+        const char32_t d = number(c);
         SCOPED_TRACE(testing::PrintToString(m) + testing::PrintToString(n) +
-                     std::to_string(d) + " at " + std::to_string(pos));
+                     std::to_string(std::uint32_t{d}) + " at " + std::to_string(pos));
 
         const auto check = [&](const char* name, auto search) {
             EXPECT_EQ(search(v, w, pos), search(m, n, pos)) << name;
@@ -264,41 +246,36 @@ TEST(StringRefLiteral, Usv)
     static_assert(text.size() == 3 && text[2] == char16(u'\xD800'));
     static_assert((u""_usv).empty() && (u"abc"_usv).find(u'c') == 2);
     EXPECT_EQ(text.data()[3], char16()) << "zero-terminated";
-    EXPECT_EQ(text.data(), (u"a\0\xD800"_usv).data()) << "static text";
-    constexpr basic_string_ref<char> bytes = std::string_view("a\0b", 3);
-    static_assert(bytes.size() == 3);
 }
 
 // --- Streams -----------------------------------------------------------------------
 
-template <class CharT>
-void expect_inserts_like_a_string()
+// Everything that an insertion leaves behind.
+template <class CharT, class Text>
+auto insert(const Text& text, std::ios_base::fmtflags adjust,
+            std::ios_base::iostate state)
 {
-    using ios = std::ios_base;
-    for (const std::string_view ascii : {std::string_view(), std::string_view("a\0b", 3)})
-        for (const std::streamsize width : {0, 3, 7})
-            for (const auto adjust : {ios::left, ios::right})
-                for (const auto state : {ios::goodbit, ios::failbit}) {
-                    const auto text = from_ascii<CharT>(ascii);
-                    // Everything that an insertion leaves behind.
-                    const auto insert = [&](const auto& inserted) {
-                        std::basic_ostringstream<CharT> os;
-                        os.width(width);
-                        os.fill(static_cast<CharT>('*'));
-                        os.setf(adjust, ios::adjustfield);
-                        os.setstate(state);
-                        os << inserted << inserted;
-                        return std::tuple(os.str(), os.rdstate(), os.width());
-                    };
-                    EXPECT_EQ(insert(basic_string_ref<CharT>(text)), insert(text))
-                        << width << ' ' << adjust << ' ' << state;
-                }
+    std::basic_ostringstream<CharT> os;
+    os.width(7);
+    os.fill(static_cast<CharT>('*'));
+    os.setf(adjust, std::ios_base::adjustfield);
+    os.setstate(state);
+    os << text << text;
+    return std::tuple(os.str(), os.rdstate(), os.width());
 }
 
 TEST(StringRefStream, InsertsLikeAString)
 {
-    expect_inserts_like_a_string<char>();
-    expect_inserts_like_a_string<wchar_t>();
+    using ios = std::ios_base;
+    const std::string text("a\0b", 3);
+    const std::wstring wide(L"a\0b", 3);
+    for (const auto adjust : {ios::left, ios::right})
+        for (const auto state : {ios::goodbit, ios::failbit}) {
+            EXPECT_EQ(insert<char>(basic_string_ref<char>(text), adjust, state),
+                      insert<char>(text, adjust, state));
+            EXPECT_EQ(insert<wchar_t>(basic_string_ref<wchar_t>(wide), adjust, state),
+                      insert<wchar_t>(wide, adjust, state));
+        }
 }
 
 }  // namespace

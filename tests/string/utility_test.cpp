@@ -1,7 +1,6 @@
 #include <kiv/utility.h>
 
 #include <exception>
-#include <sstream>
 #include <typeinfo>
 
 #include <gtest/gtest.h>
@@ -39,15 +38,10 @@ TEST(Heap, NothingIsRecorded)
     // Never read: a pointer to nothing usable must do.
     heap::RegisterInterpreterCallbacks(reinterpret_cast<heap::InterpreterCallbacks*>(8));
 
-    static_assert(sizeof(heap::HProfStats) == 16);
     heap::HProfStats stats{~0ull, ~0ull};
     heap::GetStatistic(&stats);
     const auto [first, second] = stats;
     EXPECT_TRUE(first == 0 && second == 0);
-
-    std::ostringstream os;
-    heap::DumpProfile(os);
-    EXPECT_EQ(os.str(), "");
     EXPECT_EQ(heap::NewCookie(), nullptr);
 }
 

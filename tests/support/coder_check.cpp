@@ -215,7 +215,7 @@ void check(const kiv::Charset* charset, const std::vector<typename Way::Item>& i
                 run<Way>(charset, padded, action, capacity, {});
         }
         // A fault that is the end of the input cannot be repeated.
-        if (!items.empty() && items.back().fault.isError())
+        if (items.empty() || items.back().fault.isError())
             continue;
         Items repeated;
         while (repeated.size() < 100)
