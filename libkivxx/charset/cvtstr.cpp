@@ -84,11 +84,9 @@ std::wstring cvtstr<std::wstring>(basic_string_ref<char16> text)
     std::wstring wide;
     wide.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
-        char32_t cp = Char16::toCodeUnit(text[i]);
-        if (!WIDE_IS_UTF16) {
-            cp = Char16::codePointAt(text, i);
-            i += Char16::charCount(cp) - 1;
-        }
+        const char32_t cp = WIDE_IS_UTF16 ? char32_t{Char16::toCodeUnit(text[i])}
+                                          : Char16::codePointAt(text, i);
+        i += Char16::charCount(cp) - 1;
         wide.push_back(static_cast<wchar_t>(cp));
     }
     return wide;
