@@ -198,20 +198,31 @@ public:
 
     using BasicBuffer<T>::data;
 
-    Buffer& put(T value) { return BasicBuffer<T>::put(value), *this; }
+    Buffer& put(T value)
+    {
+        BasicBuffer<T>::put(value);
+        return *this;
+    }
     Buffer& put(std::size_t index, T value)
     {
-        return BasicBuffer<T>::put(index, value), *this;
+        BasicBuffer<T>::put(index, value);
+        return *this;
     }
     Buffer& put(const T* src, std::size_t n)
     {
-        return BasicBuffer<T>::put(src, n), *this;
+        BasicBuffer<T>::put(src, n);
+        return *this;
     }
     Buffer& put(Buffer<const T>& src, std::size_t n = static_cast<std::size_t>(-1))
     {
-        return BasicBuffer<T>::put(src, n), *this;
+        BasicBuffer<T>::put(src, n);
+        return *this;
     }
-    Buffer& compact() { return BasicBuffer<T>::compact(), *this; }
+    Buffer& compact()
+    {
+        BasicBuffer<T>::compact();
+        return *this;
+    }
 
     // A literal index: without this, 0 is a null pointer as well.
     template <std::integral Index, std::convertible_to<T> Value>

@@ -14,6 +14,7 @@
 #ifndef KIV_CHARSET_KERNELS_H
 #define KIV_CHARSET_KERNELS_H
 
+#include <algorithm>
 #include <cstddef>
 
 #include <kiv/char16.h>
@@ -56,6 +57,14 @@ extern const Kernels sse2_kernels;
 
 // The best set for this machine.
 const Kernels& kernels() noexcept;
+
+// For kernels that write a unit for each that they read: how many there can be.
+template <class In, class Out>
+std::size_t common_size(const In* in, const In* in_end, const Out* out,
+                        const Out* out_end) noexcept
+{
+    return static_cast<std::size_t>(std::min<std::ptrdiff_t>(in_end - in, out_end - out));
+}
 
 }  // namespace kiv
 

@@ -3,7 +3,6 @@
 #include "charset/kernels.h"
 #include "charset/utf8_sequence.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
@@ -22,13 +21,6 @@ std::uint64_t load_word(const void* p) noexcept
     std::uint64_t word;
     std::memcpy(&word, p, sizeof word);
     return word;
-}
-
-template <class In, class Out>
-std::size_t common_size(const In* in, const In* in_end, const Out* out,
-                        const Out* out_end) noexcept
-{
-    return static_cast<std::size_t>(std::min<std::ptrdiff_t>(in_end - in, out_end - out));
 }
 
 // --- One byte, one unit ---------------------------------------------------------

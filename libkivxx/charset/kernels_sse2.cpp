@@ -4,19 +4,10 @@
 
     #include "charset/sse2.h"
 
-    #include <algorithm>
-
 namespace kiv {
 namespace {
 
 using namespace kiv::sse2;
-
-template <class In, class Out>
-std::size_t common_size(const In* in, const In* in_end, const Out* out,
-                        const Out* out_end) noexcept
-{
-    return static_cast<std::size_t>(std::min<std::ptrdiff_t>(in_end - in, out_end - out));
-}
 
 // --- One byte, one unit ---------------------------------------------------------
 
@@ -98,11 +89,6 @@ __m128i in_order(__m128i v) noexcept
     return swapped ? _mm_or_si128(_mm_slli_epi16(v, 8), _mm_srli_epi16(v, 8)) : v;
 }
 
-bool any_lane(__m128i mask) noexcept
-{
-    return any_top_bit(mask);
-}
-
 __m128i surrogates(__m128i units) noexcept
 {
     return _mm_cmpeq_epi16(_mm_and_si128(units, splat16(0xF800)), splat16(0xD800));
@@ -118,7 +104,7 @@ DecodeProgress decode_utf16(const unsigned char* in, const unsigned char* in_end
         const __m128i swapped_mark = _mm_or_si128(_mm_cmpeq_epi16(a, splat16(0xFFFE)),
                                                   _mm_cmpeq_epi16(b, splat16(0xFFFE)));
         const __m128i surrogate = _mm_or_si128(surrogates(a), surrogates(b));
-        if (any_lane(_mm_or_si128(surrogate, swapped_mark)))
+        if (any_top_bit(_mm_or_si128(surrogate, swapped_mark)))
             break;
         store(out, a);
         store(out + VECTOR_UNITS, b);
@@ -137,7 +123,7 @@ EncodeProgress encode_utf16(const char16* in, const char16* in_end, unsigned cha
     while (in_end - in >= 16 && out_end - out >= 32) {
         const __m128i a = load(in);
         const __m128i b = load(in + VECTOR_UNITS);
-        if (any_lane(_mm_or_si128(surrogates(a), surrogates(b))))
+        if (any_top_bit(_mm_or_si128(surrogates(a), surrogates(b))))
             break;
         store(out, in_order<big_endian>(a));
         store(out + VECTOR_BYTES, in_order<big_endian>(b));

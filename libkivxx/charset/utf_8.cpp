@@ -32,25 +32,22 @@ std::size_t sequence_length(unsigned lead) noexcept
     return FORM == Form::UTF_8 && lead < 0xF8 ? 4 : 0;
 }
 
-// Whether complete sequence of n bytes, its trail bytes checked, has a value
-// that it may have: no overlong form and, in UTF-8, no surrogate.
-template <Form FORM>
-bool legal_value(const unsigned char* p, std::size_t n) noexcept
+// Whether a surrogate by itself, ED A0..BF 80..BF, stands at the span's front.
+bool begins_with_surrogate(const DecodeSpan& span) noexcept
 {
-    switch (n) {
-    case 2:
-        return p[0] >= 0xC2;
-    case 3:
-        if (p[0] == 0xE0)
-            return p[1] >= 0xA0;
-        return FORM == Form::CESU_8 || p[0] != 0xED || p[1] < 0xA0;
-    case 4:
-        if (p[0] == 0xF0)
-            return p[1] >= 0x90;
-        return p[0] < 0xF4 || (p[0] == 0xF4 && p[1] < 0x90);
-    default:
-        return true;
-    }
+    const unsigned char* p = span.in;
+    return span.in_left() >= 3 && p[0] == 0xED && (p[1] & 0xE0) == 0xA0 &&
+           utf8::is_trail(p[2]);
+}
+
+// Whether the sequence at the span's front decodes, given room.
+template <Form FORM>
+bool well_formed(const DecodeSpan& span) noexcept
+{
+    char16 units[2];
+    DecodeProgress progress{span.in, units};
+    return utf8::decode_one(progress, span.in_end, units + 2) ||
+           (FORM == Form::CESU_8 && begins_with_surrogate(span));
 }
 
 // Why the sequence at the span's front could not be decoded. The bytes left
@@ -67,7 +64,7 @@ CoderResult decode_stop(const DecodeSpan& span)
     for (std::uint32_t k = 1; k < n; ++k)
         if (!utf8::is_trail(span.in[k]))
             return CoderResult::malformed(k + 1);
-    return legal_value<FORM>(span.in, n)
+    return well_formed<FORM>(span)
                ? CoderResult::overflow()
                : CoderResult::malformed(static_cast<std::uint32_t>(n));
 }
@@ -106,13 +103,11 @@ const Unit* find_in_blocks(const Unit* p, const Unit* end, Kind is_kind)
     return std::find_if(p, end, is_kind);
 }
 
-// A surrogate by itself, ED A0..BF 80..BF.
 bool decode_surrogate(DecodeSpan& span)
 {
-    const unsigned char* p = span.in;
-    if (span.in_left() < 3 || span.out_left() < 1 || p[0] != 0xED ||
-        (p[1] & 0xE0) != 0xA0 || !utf8::is_trail(p[2]))
+    if (span.out_left() < 1 || !begins_with_surrogate(span))
         return false;
+    const unsigned char* p = span.in;
     *span.out++ = utf8::to_unit(0xD000 | (p[1] & 0x3Fu) << 6 | (p[2] & 0x3Fu));
     span.in += 3;
     return true;
