@@ -2,6 +2,11 @@
 
 #include "charset/kernels.h"
 
+#include <atomic>
+
+#include "charset/table_kernels.h"
+#include "platform/cpu.h"
+
 namespace kiv {
 
 // SSE2 is part of every x86-64, so nothing has to be asked of the machine.
@@ -12,6 +17,39 @@ const Kernels& kernels() noexcept
 #else
     return portable_kernels;
 #endif
+}
+
+constinit const TableKernels no_table_kernels = {};
+
+namespace {
+
+// Null until first asked for. Threads that ask at once find the same answer.
+constinit std::atomic<const TableKernels*> chosen = nullptr;
+
+const TableKernels* choose() noexcept
+{
+#if defined(__x86_64__)
+    if (platform::cpu_has_avx512_vbmi2())
+        return &avx512_table_kernels;
+#endif
+    return &no_table_kernels;
+}
+
+}  // namespace
+
+const TableKernels& table_kernels() noexcept
+{
+    const TableKernels* set = chosen.load(std::memory_order_relaxed);
+    if (set == nullptr) {
+        set = choose();
+        chosen.store(set, std::memory_order_relaxed);
+    }
+    return *set;
+}
+
+void use_table_kernels(const TableKernels* set) noexcept
+{
+    chosen.store(set, std::memory_order_relaxed);
 }
 
 }  // namespace kiv

@@ -8,8 +8,11 @@
 
 #include <kiv/charset.h>
 
+#include "charset/double_byte_charsets.h"
+#include "charset/gb18030.h"
 #include "charset/iso_8859_1.h"
 #include "charset/name_less.h"
+#include "charset/single_byte_charsets.h"
 #include "charset/us_ascii.h"
 #include "charset/utf_16.h"
 #include "charset/utf_8.h"
@@ -48,6 +51,41 @@ constinit Room<kiv::UTF_16BE> utf_16be;
 constinit Room<kiv::UTF_16LE> utf_16le;
 constinit Room<kiv::CESU_8> cesu_8;
 constinit Room<kiv::ISO_8859_1> iso_8859_1;
+constinit Room<kiv::ISO_8859_2> iso_8859_2;
+constinit Room<kiv::ISO_8859_3> iso_8859_3;
+constinit Room<kiv::ISO_8859_4> iso_8859_4;
+constinit Room<kiv::ISO_8859_5> iso_8859_5;
+constinit Room<kiv::ISO_8859_6> iso_8859_6;
+constinit Room<kiv::ISO_8859_7> iso_8859_7;
+constinit Room<kiv::ISO_8859_8> iso_8859_8;
+constinit Room<kiv::ISO_8859_9> iso_8859_9;
+constinit Room<kiv::ISO_8859_10> iso_8859_10;
+constinit Room<kiv::ISO_8859_11> iso_8859_11;
+constinit Room<kiv::ISO_8859_13> iso_8859_13;
+constinit Room<kiv::ISO_8859_14> iso_8859_14;
+constinit Room<kiv::ISO_8859_15> iso_8859_15;
+constinit Room<kiv::ISO_8859_16> iso_8859_16;
+constinit Room<kiv::Micsft_1250> micsft_1250;
+constinit Room<kiv::Micsft_1251> micsft_1251;
+constinit Room<kiv::Micsft_1252> micsft_1252;
+constinit Room<kiv::Micsft_1253> micsft_1253;
+constinit Room<kiv::Micsft_1254> micsft_1254;
+constinit Room<kiv::Micsft_1255> micsft_1255;
+constinit Room<kiv::Micsft_1256> micsft_1256;
+constinit Room<kiv::Micsft_1257> micsft_1257;
+constinit Room<kiv::Micsft_1258> micsft_1258;
+constinit Room<kiv::Micsft_874> micsft_874;
+constinit Room<kiv::Micsft_932> micsft_932;
+constinit Room<kiv::Micsft_936> micsft_936;
+constinit Room<kiv::Micsft_949> micsft_949;
+constinit Room<kiv::Micsft_950> micsft_950;
+constinit Room<kiv::KOI8_R> koi8_r;
+constinit Room<kiv::KOI8_U> koi8_u;
+constinit Room<kiv::Big5> big5;
+constinit Room<kiv::Big5_HKSCS> big5_hkscs;
+constinit Room<kiv::GBK> gbk;
+constinit Room<kiv::GB18030> gb18030;
+constinit Room<kiv::Shift_JIS> shift_jis;
 
 }  // namespace
 
@@ -80,6 +118,41 @@ private:
         utf_16le.build();
         cesu_8.build();
         iso_8859_1.build();
+        iso_8859_2.build();
+        iso_8859_3.build();
+        iso_8859_4.build();
+        iso_8859_5.build();
+        iso_8859_6.build();
+        iso_8859_7.build();
+        iso_8859_8.build();
+        iso_8859_9.build();
+        iso_8859_10.build();
+        iso_8859_11.build();
+        iso_8859_13.build();
+        iso_8859_14.build();
+        iso_8859_15.build();
+        iso_8859_16.build();
+        micsft_1250.build();
+        micsft_1251.build();
+        micsft_1252.build();
+        micsft_1253.build();
+        micsft_1254.build();
+        micsft_1255.build();
+        micsft_1256.build();
+        micsft_1257.build();
+        micsft_1258.build();
+        micsft_874.build();
+        micsft_932.build();
+        micsft_936.build();
+        micsft_949.build();
+        micsft_950.build();
+        koi8_r.build();
+        koi8_u.build();
+        big5.build();
+        big5_hkscs.build();
+        gbk.build();
+        gb18030.build();
+        shift_jis.build();
     }
 
     static Charset* choose_default()

@@ -12,12 +12,18 @@ from pathlib import Path
 
 import classification
 import companion
+import dbcs
+import gb18030
+import sbcs
 import tablegen
 
 # Each module has generate(root), which returns a list of tablegen.Table.
 GENERATORS = [
     companion,
     classification,
+    sbcs,
+    dbcs,
+    gb18030,
 ]
 
 

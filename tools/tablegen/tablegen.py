@@ -134,6 +134,62 @@ def distinct_blocks(values, size):
     return index, list(numbers)
 
 
+@dataclass(frozen=True)
+class Blocks:
+    """An index with the position in data of the entries of each block of keys,
+    2^bits in number; firsts are the first keys of the blocks in data. As C++
+    arrays, both end with padding zeros more."""
+
+    bits: int
+    index: list
+    data: list
+    firsts: list
+    padding: int
+
+    def size(self, entry_bytes):
+        return (2 * (len(self.index) + self.padding)
+                + entry_bytes * (len(self.data) + self.padding))
+
+    def arrays(self, name, element, entry_text, digits):
+        """The C++ arrays <name>_index and <name>_data; each row ends
+        with its first key as a comment."""
+
+        zeros = [0] * self.padding
+        firsts = [*self.firsts, len(self.index) << self.bits]
+
+        def key(position):
+            return firsts[position >> self.bits] + position % (1 << self.bits)
+
+        return [
+            cpp_array("std::uint16_t", f"{name}_index",
+                      [f"0x{entry:04X}" for entry in self.index + zeros], 16,
+                      lambda position: f"{position << self.bits:0{digits}X}"),
+            cpp_array(element, f"{name}_data",
+                      [entry_text(entry) for entry in self.data + zeros], 16,
+                      lambda position: f"{key(position):0{digits}X}"),
+        ]
+
+
+def sparse_blocks(values, last, bits, missing, padding=0, limit=0xFFFF,
+                  special=lambda first: None):
+    """Blocks for the keys from 0 to last. values has the mapped keys; the others
+    in their blocks get missing. A block without a mapped key has the index entry
+    0xFFFF and no data; nor has one for which special(first key) is an index
+    entry. Positions are below limit."""
+    index, data, firsts = [], [], []
+    for first in range(0, last + 1, 1 << bits):
+        keys = range(first, first + (1 << bits))
+        entry = special(first)
+        if entry is None and any(key in values for key in keys):
+            entry = len(data)
+            if entry >= limit:
+                sys.exit(f"data from position {entry:04X} on is out of reach")
+            data += [values.get(key, missing) for key in keys]
+            firsts.append(first)
+        index.append(0xFFFF if entry is None else entry)
+    return Blocks(bits, index, data, firsts, padding)
+
+
 # --- C++ --------------------------------------------------------------------
 
 

@@ -6,8 +6,12 @@ import tempfile
 import unittest
 from pathlib import Path
 
+import charset_mapping
 import classification
 import companion
+import dbcs
+import gb18030
+import sbcs
 import tablegen
 
 GOOD = ["0000..0040 ; Cc", "0041 ; Lu", "0042..10FFFF ; Cn"]
@@ -96,12 +100,89 @@ class Readers(TemporaryTree):
                 self.assert_refused(pattern, tablegen.read_mappings, self.write(lines), 1)
 
 
+class CharsetReader(TemporaryTree):
+    BASE = ["# about", "00 <-> 0000..007F", "80 <-> 20AC", "8140 <-> 3000 4E00..4E02 3001",
+            "8145 -> 4E01", "5C <- 00A5"]
+
+    def read(self, *lines):
+        return charset_mapping.read(self.write([*self.BASE, *lines]))
+
+    def test_mappings(self):
+        mapping = self.read("5C <- 00A6 00A7")  # to one sequence from two code points
+        self.assertEqual({sequence.hex(): code_point for sequence, code_point
+                          in mapping.decode.items() if sequence[0] > 0x7F},
+                         {"80": 0x20AC, "8140": 0x3000, "8141": 0x4E00, "8142": 0x4E01,
+                          "8143": 0x4E02, "8144": 0x3001, "8145": 0x4E01})
+        self.assertEqual({code_point: sequence.hex() for code_point, sequence
+                          in mapping.encode.items() if code_point > 0x7F},
+                         {0x20AC: "80", 0x3000: "8140", 0x4E00: "8141", 0x4E01: "8142",
+                          0x4E02: "8143", 0x3001: "8144", 0xA5: "5c", 0xA6: "5c", 0xA7: "5d"})
+        self.assertEqual(mapping.duplicates(), [b"\x81\x45"])
+        self.assertEqual(mapping.one_way(), [0xA5, 0xA6, 0xA7])
+
+    def test_deltas(self):
+        for line, decoded, encoded in [
+            # A sequence, a code point, then what they and U+4E01 map to.
+            ("8142 <-> 00B7", ("8142", 0xB7), (0xB7, "8142")),
+            ("8142 <-> 4E00", ("8142", 0x4E00), (0x4E00, "8142")),
+            ("8146 <-> 00B7", ("8146", 0xB7), (0xB7, "8146")),
+            ("8144 -> 3000", ("8144", 0x3000), (0x3001, None)),
+            ("8145 <- 4E01", ("8145", 0x4E01), (0x4E01, "8145")),
+            ("A1 <- 3001", ("8144", 0x3001), (0x3001, "a1")),
+            ("80 undefined", ("80", None), (0x20AC, None)),
+        ]:
+            restored = [] if line[:2] != "81" or line[3] != "2" else ["delta 8145 <-> 4E01 # r"]
+            restored += ["delta A1 -> 3001 # r"] if line[:2] == "A1" else []
+            with self.subTest(line):
+                mapping = self.read(f"delta {line}  # reason", *restored)
+                self.assertEqual(mapping.decode.get(bytes.fromhex(decoded[0])), decoded[1])
+                sequence = mapping.encode.get(encoded[0])
+                self.assertEqual(sequence and sequence.hex(), encoded[1])
+
+    def test_refusals(self):
+        for line, pattern in [
+            ("80", "not a mapping"), ("80 20AC", "not a mapping"), ("80 <->", "not a mapping"),
+            ("80 undefined", "not a mapping"), ("delta 80 undefined 20AC # r", "not a mapping"),
+            ("8 <- 20AD", "not a sequence"), ("814000 <- 20AD", "not a sequence"),
+            ("a1 <- 20AD", "not a sequence"), ("A1 <- AD", "not a number"),
+            ("A1 <- 20AD..20AC", "not ascending"), ("A1 <- 110000", "out of range"),
+            ("A1 <- D7FF..D801", "a surrogate"), ("FE <- E000..E002", "runs past FF"),
+            ("A1 <-> 20AD", "A1 is out of order"), ("5B <- 20AD", "5B is out of order"),
+            ("80 <- 00A5", r"U\+00A5 is mapped twice"), ("A1 <- 20AD 20AD", r"U\+20AD is mapped"),
+            ("delta A1 <-> 20AD", "without a reason"), ("delta A1 <-> 20AD #", "without a reason"),
+            *((f"delta {change} # r", "no different") for change in (
+                "80 <-> 20AC", "8145 -> 4E01", "5C <- 00A5", "A1 undefined", "80 <-> 20AC 20AD")),
+        ]:
+            with self.subTest(line):
+                self.assert_refused(f"file.txt:7: .*{pattern}", self.read, line)
+        for lines, pattern in [
+            (["delta A1 <-> 20AD # r", "A2 <- 20AE"], "file.txt:8: A2 is out of order"),
+            (["delta A1 -> 20AD # r"], r"file.txt:7: U\+20AD has no round trip"),
+            (["delta 80 -> 20AC # r"], r"file.txt:7: U\+20AC has no round trip"),
+            (["delta 8142 undefined # r"], r"file.txt:5: U\+4E01 has no round trip"),
+            (["delta 5C undefined # r"], r"5C is not U\+005C both ways"),
+        ]:
+            with self.subTest(lines):
+                self.assert_refused(pattern, self.read, *lines)
+        for lines, pattern in [
+            (["80 <-> 20AC", "80 <-> 20AD"], "file.txt:2: 80 is mapped twice"),
+            (["80 <-> 20AC 20AD", "81 <-> 20AE"], "file.txt:2: 81 is mapped twice"),
+            (["80 <-> 20AC", "81 <-> 20AC"], r"file.txt:2: U\+20AC is mapped twice"),
+            (["81 <-> 20AC", "80 <-> 20AD"], "file.txt:2: 80 is out of order"),
+            (["80 <-> 20AC", "81 -> 20AC", "81 <- 20AC"], r"file.txt:3: U\+20AC is mapped twice"),
+            (["80 -> 20AC", "80 <- 20AC"], r"file.txt:2: U\+20AC is not one-way"),
+            ([], r"00 is not U\+0000 both ways"), (["\u0660"], "file.txt:1: not ASCII"),
+        ]:
+            with self.subTest(lines):
+                self.assert_refused(pattern, charset_mapping.read, self.write(lines))
+
+
 class Generators(TemporaryTree):
     """Well-formed data that contradicts what a table relies on."""
 
     def changed_tree(self, path, old, new):
         shutil.rmtree(self.root / "data", ignore_errors=True)
-        shutil.copytree(tablegen.ROOT / "data/unicode", self.root / "data/unicode")
+        shutil.copytree((tablegen.ROOT / path).parent, (self.root / path).parent)
         text = (self.root / path).read_text(encoding="utf-8")
         self.assertEqual(text.count(old), 1, old)
         (self.root / path).write_text(text.replace(old, new), encoding="utf-8")
@@ -134,12 +215,53 @@ class Generators(TemporaryTree):
         self.assert_refused(r"U\+0041 is listed but maps to itself", companion.generate, root)
 
 
+    def test_charsets(self):
+        charsets = {charset.source: (module.make, charset) for module in (sbcs, dbcs)
+                    for charset in module.CHARSETS}
+        for name, deltas, pattern in [
+            ("ISO-8859-2", ["FF undefined"], "undefined bytes: 1 instead of 0"),
+            ("ISO-8859-2", ["FF <-> 20AC"], "highest code point: 20AC instead of 02DD"),
+            ("ISO-8859-2", ["FF <- 0100"], "one-way entries: 1 instead of 0"),
+            ("ISO-8859-2", ["FF -> 0041"], "duplicates: 1 instead of 0"),
+            ("ISO-8859-2", ["FF41 <- 0100"], "bytes of a sequence: 2 instead of 1"),
+            ("Windows-31J", ["A0 <- F8F0"], "one-way"),
+            ("Windows-31J", ["81 <- F8F0"], "81 is no sequence"),
+            ("Windows-31J", ["817F <- F8F0"], "817F is no sequence"),
+            ("Windows-31J", ["A040 <- F8F0"], "A040 is no sequence"),
+            ("Windows-31J", ["81408140 <- F8F0"], "81408140 is no sequence"),
+            ("Windows-31J", ["8140 <- FFE6"], "highest code point: FFE6 instead of FFE5"),
+            ("Big5", ["A1C3 -> 4E00"], "13709 two-byte, 6 duplicate instead of 13708 two-byte"),
+            ("GB18030", ["817F <- 0080"], "817F is no sequence"),
+            ("GB18030", ["8431A439 undefined"], "39420 instead of"),
+            # One uniform block fewer of an offset that just so many have.
+            ("GB18030", ["8233A736 <-> 44FD", "8233A737 <-> 44FC"], "shared offsets"),
+        ]:
+            make = charsets.get(name, (lambda _, root: gb18030.generate(root), None))
+            path = f"data/charset/{name}.txt"
+            text = (tablegen.ROOT / path).read_text(encoding="ascii")
+            changed = text + "".join(f"delta {change} # r\n" for change in deltas)
+            with self.subTest((name, deltas)):
+                self.assert_refused(pattern, make[0], make[1],
+                                    self.changed_tree(path, text, changed))
+
+
 class Layout(unittest.TestCase):
     def test_distinct_blocks(self):
         self.assertEqual(tablegen.distinct_blocks([1, 2, 3, 3, 1, 2], 2),
                          ([0, 1, 0], [(1, 2), (3, 3)]))
         with self.assertRaises(SystemExit):
             tablegen.distinct_blocks([1, 2, 3], 2)
+
+    def test_sparse_blocks(self):
+        blocks = tablegen.sparse_blocks({5: 50, 6: 60, 8: 1, 13: 7}, 14, 2, -1, 1, 8,
+                                        {8: 0xFFFE}.get)
+        self.assertEqual((blocks.index, blocks.data),
+                         ([0xFFFF, 0, 0xFFFE, 4], [-1, 50, 60, -1, -1, 7, -1, -1]))
+        self.assertEqual(blocks.arrays("x", "int", str, 2)[1].split("\n"),
+                         ["constexpr int x_data[9] = {",
+                          "    -1, 50, 60, -1, -1, 7, -1, -1, 0,  // 04", "};"])
+        with self.assertRaises(SystemExit):
+            tablegen.sparse_blocks({0: 1, 1: 1, 2: 1}, 2, 0, -1, 0, 2)
 
     def test_array(self):
         self.assertEqual(tablegen.cpp_array("int", "a", ["1", "2", "3"], 2, lambda i: f"from {i}"),

@@ -1,0 +1,130 @@
+// charset/avx512.h - short names for what the AVX-512 kernels do all the time.
+//
+// Every function that uses the instructions is marked KIV_AVX512: the files are
+// compiled for the common machine, so that nothing else in them needs more.
+// To be included by *_avx512.cpp files only.
+
+#ifndef KIV_CHARSET_AVX512_H
+#define KIV_CHARSET_AVX512_H
+
+#include <immintrin.h>
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+
+#include "charset/dbcs_traits.h"
+#include "charset/table_kernels.h"
+
+#define KIV_AVX512 \
+    [[gnu::target("avx512f,avx512bw,avx512vl,avx512vbmi,avx512vbmi2,bmi,bmi2,popcnt")]]
+
+namespace kiv::avx512 {
+
+constexpr std::size_t VECTOR_BYTES = 64;
+constexpr std::size_t VECTOR_UNITS = 32;
+
+// The lowest n bits, n from 0 to 64.
+constexpr std::uint64_t low_bits(std::size_t n) noexcept
+{
+    return n < 64 ? (std::uint64_t{1} << n) - 1 : ~std::uint64_t{0};
+}
+
+constexpr __mmask32 low_bits32(std::size_t n) noexcept
+{
+    return static_cast<__mmask32>(low_bits(n));
+}
+
+constexpr __mmask16 low_bits16(std::size_t n) noexcept
+{
+    return static_cast<__mmask16>(low_bits(n));
+}
+
+KIV_AVX512 inline __m512i splat8(unsigned value) noexcept
+{
+    return _mm512_set1_epi8(static_cast<char>(value));
+}
+
+KIV_AVX512 inline __m512i splat16(unsigned value) noexcept
+{
+    return _mm512_set1_epi16(static_cast<short>(value));
+}
+
+KIV_AVX512 inline __m512i splat32(unsigned value) noexcept
+{
+    return _mm512_set1_epi32(static_cast<int>(value));
+}
+
+// 64 bytes to 64 units of the same values.
+KIV_AVX512 inline void widen64(__m512i bytes, char16* out) noexcept
+{
+    const __m256i low = _mm512_castsi512_si256(bytes);
+    const __m256i high = _mm512_extracti64x4_epi64(bytes, 1);
+    _mm512_storeu_si512(out, _mm512_cvtepu8_epi16(low));
+    _mm512_storeu_si512(out + VECTOR_UNITS, _mm512_cvtepu8_epi16(high));
+}
+
+// Which bytes lie in a range or in one of two.
+template <ByteRanges RANGES>
+KIV_AVX512 inline std::uint64_t in_ranges(__m512i bytes) noexcept
+{
+    constexpr ByteRange lower = RANGES.lower;
+    constexpr ByteRange upper = RANGES.upper;
+    std::uint64_t mask = _mm512_cmple_epu8_mask(
+        _mm512_sub_epi8(bytes, splat8(lower.first)), splat8(lower.last - lower.first));
+    if constexpr (RANGES.has_upper())
+        mask |= _mm512_cmple_epu8_mask(
+            _mm512_sub_epi8(bytes, splat8(upper.first)),
+            splat8(static_cast<unsigned>(upper.last - upper.first)));
+    return mask;
+}
+
+// table[position] of the lanes that are set, 0 in the others. 16-bit entries are
+// read as 32 bits, so there must be one more entry behind the last.
+KIV_AVX512 inline __m512i gather(const void* table16, __m512i positions,
+                                 __mmask16 lanes) noexcept
+{
+    const __m512i wide =
+        _mm512_mask_i32gather_epi32(_mm512_setzero_si512(), lanes, positions, table16, 2);
+    return _mm512_and_si512(wide, splat32(0xFFFF));
+}
+
+// Where a two-level table with blocks of 2^BITS keeps the entries of the keys.
+// Takes the lanes from `lanes` whose block is missing.
+template <unsigned BITS>
+KIV_AVX512 inline __m512i positions_of(const std::uint16_t* index, __m512i keys,
+                                       __mmask16& lanes) noexcept
+{
+    const __m512i blocks = gather(index, _mm512_srli_epi32(keys, BITS), lanes);
+    lanes = _mm512_mask_cmpneq_epu32_mask(lanes, blocks, splat32(DBCS_NONE));
+    return _mm512_or_si512(blocks, _mm512_and_si512(keys, splat32((1U << BITS) - 1)));
+}
+
+// The kernels; TableKernels says what they do.
+KIV_AVX512 DecodeProgress decode_sbcs_complete(const char16_t* table,
+                                               const unsigned char* in,
+                                               const unsigned char* in_end, char16* out,
+                                               char16* out_end);
+KIV_AVX512 DecodeProgress decode_sbcs(const char16_t* table, const unsigned char* in,
+                                      const unsigned char* in_end, char16* out,
+                                      char16* out_end);
+KIV_AVX512 EncodeProgress encode_sbcs(const unsigned char* pages, const char16* in,
+                                      const char16* in_end, unsigned char* out,
+                                      unsigned char* out_end);
+
+template <class Traits>
+struct MultiByte {
+    KIV_AVX512 static DecodeProgress decode(const std::uint16_t* index,
+                                            const typename Traits::DecodeEntry* data,
+                                            const unsigned char* in,
+                                            const unsigned char* in_end, char16* out,
+                                            char16* out_end);
+    KIV_AVX512 static EncodeProgress encode(const std::uint16_t* index,
+                                            const std::uint16_t* data, const char16* in,
+                                            const char16* in_end, unsigned char* out,
+                                            unsigned char* out_end);
+};
+
+}  // namespace kiv::avx512
+
+#endif
