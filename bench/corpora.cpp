@@ -57,6 +57,11 @@ public:
         return static_cast<std::size_t>(m_state % n);
     }
 
+    const std::string& pick(const std::vector<std::string>& words)
+    {
+        return words[below(words.size())];
+    }
+
 private:
     std::uint64_t m_state = 20240229;
 };
@@ -75,12 +80,23 @@ std::vector<std::string> split(const char* words)
 std::string make_text(const Corpus& corpus, std::size_t bytes)
 {
     const std::vector<std::string> words = split(corpus.vocabulary);
+    const std::vector<std::string> ascii_words =
+        split(corpus.ascii != nullptr ? corpus.ascii : "");
+    const bool spaced = *corpus.separator == '\0';
     Random random;
     std::string text;
     while (text.size() < bytes) {
         for (std::size_t left = 4 + random.below(12); left != 0; --left) {
-            text += words[random.below(words.size())];
-            text += left == 1 ? corpus.full_stop : corpus.separator;
+            const bool ascii = !ascii_words.empty() && random.below(8) == 0;
+            if (ascii && spaced && !text.ends_with(' ') && !text.ends_with('\n'))
+                text += ' ';
+            text += random.pick(ascii ? ascii_words : words);
+            if (left == 1)
+                text += corpus.full_stop;
+            else if (corpus.comma != nullptr && random.below(8) == 0)
+                text += corpus.comma;
+            else
+                text += ascii && spaced ? " " : corpus.separator;
         }
         if (random.below(8) == 0)
             text += '\n';

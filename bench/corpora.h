@@ -20,6 +20,11 @@ struct Corpus {
     const char* separator;
     // Ends a sentence of 4 to 15 words.
     const char* full_stop;
+    // Stands for one separator in eight; null for none.
+    const char* comma = nullptr;
+    // One word in eight is one of these; null for none. Where the script has no
+    // separator, they stand between spaces.
+    const char* ascii = nullptr;
 };
 
 // ascii, latin, cyrillic, cjk, emoji.

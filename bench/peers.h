@@ -7,8 +7,10 @@
 #include <unicode/ucnv.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <stdexcept>
+#include <string>
 
 namespace kivbench {
 
@@ -26,13 +28,20 @@ public:
     Iconv& operator=(const Iconv&) = delete;
     ~Iconv() { iconv_close(m_state); }
 
-    // Converts all of the input; whether it could.
-    bool convert(const void* in, std::size_t in_bytes, void* out, std::size_t out_bytes)
+    // Converts all of the input; whether it could. The byte counts become what is left
+    // of the input and of the room.
+    bool convert_some(const void* in, std::size_t& in_bytes, void* out,
+                      std::size_t& out_bytes)
     {
         // iconv's parameter is not const though it only reads.
         char* from = static_cast<char*>(const_cast<void*>(in));
         char* to = static_cast<char*>(out);
         return iconv(m_state, &from, &in_bytes, &to, &out_bytes) != std::size_t(-1);
+    }
+
+    bool convert(const void* in, std::size_t in_bytes, void* out, std::size_t out_bytes)
+    {
+        return convert_some(in, in_bytes, out, out_bytes);
     }
 
 private:
@@ -51,6 +60,25 @@ inline Converter open_converter(const char* name)
     if (U_FAILURE(error))
         throw std::runtime_error("ICU does not know the encoding");
     return converter;
+}
+
+// Return the size of the whole result, which is in `out` if that has room for it.
+inline std::size_t decode(UConverter& converter, const std::string& bytes, char16_t* out,
+                          std::size_t room)
+{
+    UErrorCode error = U_ZERO_ERROR;
+    return static_cast<std::size_t>(
+        ucnv_toUChars(&converter, out, static_cast<std::int32_t>(room), bytes.data(),
+                      static_cast<std::int32_t>(bytes.size()), &error));
+}
+
+inline std::size_t encode(UConverter& converter, const std::u16string& units, char* out,
+                          std::size_t room)
+{
+    UErrorCode error = U_ZERO_ERROR;
+    return static_cast<std::size_t>(
+        ucnv_fromUChars(&converter, out, static_cast<std::int32_t>(room), units.data(),
+                        static_cast<std::int32_t>(units.size()), &error));
 }
 
 }  // namespace kivbench

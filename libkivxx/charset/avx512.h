@@ -14,10 +14,13 @@
 #include <cstdint>
 
 #include "charset/dbcs_traits.h"
+#include "charset/gb18030_keys.h"
 #include "charset/table_kernels.h"
+#include "charset/tables/gb18030_tables.h"
 
 #define KIV_AVX512 \
-    [[gnu::target("avx512f,avx512bw,avx512vl,avx512vbmi,avx512vbmi2,bmi,bmi2,popcnt")]]
+    [[gnu::target( \
+        "avx512f,avx512bw,avx512dq,avx512vl,avx512vbmi,avx512vbmi2,bmi,bmi2,popcnt")]]
 
 namespace kiv::avx512 {
 
@@ -100,6 +103,31 @@ KIV_AVX512 inline __m512i positions_of(const std::uint16_t* index, __m512i keys,
     return _mm512_or_si512(blocks, _mm512_and_si512(keys, splat32((1U << BITS) - 1)));
 }
 
+// What the tables of GB 18030 give: entries of the data, or, in a block of which
+// all keys are apart from their results by one offset, keys with that offset added
+// (sign 1) or taken off (-1).
+KIV_AVX512 inline __m512i look_up_gb18030(const std::uint16_t* index, const void* data,
+                                          __m512i keys, __mmask16 lanes,
+                                          int sign) noexcept
+{
+    using namespace gb18030;
+    const __m512i blocks = gather(index, _mm512_srli_epi32(keys, BLOCK_BITS), lanes);
+    const __mmask16 stored =
+        _mm512_mask_cmplt_epu32_mask(lanes, blocks, splat32(FIRST_SPECIAL));
+    const __m512i in_block = _mm512_and_si512(keys, splat32((1U << BLOCK_BITS) - 1));
+    const __m512i found = gather(data, _mm512_or_si512(blocks, in_block), stored);
+    const auto special = static_cast<__mmask16>(lanes & ~stored);
+    if (special == 0)
+        return found;
+    const __m512i offsets =
+        _mm512_maskz_loadu_epi32(low_bits16(13), tables::gb18030_offsets);
+    const __m512i offset =
+        _mm512_permutexvar_epi32(_mm512_sub_epi32(splat32(LAST_OFFSET), blocks), offsets);
+    const __m512i shifted =
+        sign > 0 ? _mm512_add_epi32(keys, offset) : _mm512_sub_epi32(keys, offset);
+    return _mm512_mask_and_epi32(found, special, shifted, splat32(0xFFFF));
+}
+
 // The kernels; TableKernels says what they do.
 KIV_AVX512 DecodeProgress decode_sbcs_complete(const char16_t* table,
                                                const unsigned char* in,
@@ -113,17 +141,16 @@ KIV_AVX512 EncodeProgress encode_sbcs(const unsigned char* pages, const char16* 
                                       unsigned char* out_end);
 
 template <class Traits>
-struct MultiByte {
-    KIV_AVX512 static DecodeProgress decode(const std::uint16_t* index,
+KIV_AVX512 DecodeProgress decode_multi_byte(const std::uint16_t* index,
                                             const typename Traits::DecodeEntry* data,
                                             const unsigned char* in,
                                             const unsigned char* in_end, char16* out,
                                             char16* out_end);
-    KIV_AVX512 static EncodeProgress encode(const std::uint16_t* index,
+template <class Traits>
+KIV_AVX512 EncodeProgress encode_multi_byte(const std::uint16_t* index,
                                             const std::uint16_t* data, const char16* in,
                                             const char16* in_end, unsigned char* out,
                                             unsigned char* out_end);
-};
 
 }  // namespace kiv::avx512
 

@@ -116,7 +116,7 @@ class Reader:
             self.encode[code_point] = sequence
         if before == (self.decode.get(sequence), self.encode.get(old),
                       self.encode.get(code_point)):
-            self.fail(f"{sequence.hex().upper()} is no different for this")
+            self.fail(f"nothing changes at {sequence.hex().upper()}")
 
 
 def read(path):

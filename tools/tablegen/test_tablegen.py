@@ -109,40 +109,41 @@ class CharsetReader(TemporaryTree):
 
     def test_mappings(self):
         mapping = self.read("5C <- 00A6 00A7")  # to one sequence from two code points
-        self.assertEqual({sequence.hex(): code_point for sequence, code_point
-                          in mapping.decode.items() if sequence[0] > 0x7F},
-                         {"80": 0x20AC, "8140": 0x3000, "8141": 0x4E00, "8142": 0x4E01,
-                          "8143": 0x4E02, "8144": 0x3001, "8145": 0x4E01})
-        self.assertEqual({code_point: sequence.hex() for code_point, sequence
-                          in mapping.encode.items() if code_point > 0x7F},
-                         {0x20AC: "80", 0x3000: "8140", 0x4E00: "8141", 0x4E01: "8142",
-                          0x4E02: "8143", 0x3001: "8144", 0xA5: "5c", 0xA6: "5c", 0xA7: "5d"})
+        self.assertEqual([*mapping.decode.items()][0x80:], [(b"\x80", 0x20AC), *(
+            (bytes([0x81, 0x40 + at]), code_point) for at, code_point in
+            enumerate([0x3000, 0x4E00, 0x4E01, 0x4E02, 0x3001, 0x4E01]))])
+        self.assertEqual(mapping.encode[0x4E01], b"\x81\x42")
         self.assertEqual(mapping.duplicates(), [b"\x81\x45"])
-        self.assertEqual(mapping.one_way(), [0xA5, 0xA6, 0xA7])
+        self.assertEqual([(unit, mapping.encode[unit]) for unit in mapping.one_way()],
+                         [(0xA5, b"\\"), (0xA6, b"\\"), (0xA7, b"]")])
+
+    @staticmethod
+    def changes(old, new):
+        return {key: new.get(key) for key in old.keys() | new if old.get(key) != new.get(key)}
 
     def test_deltas(self):
-        for line, decoded, encoded in [
-            # A sequence, a code point, then what they and U+4E01 map to.
-            ("8142 <-> 00B7", ("8142", 0xB7), (0xB7, "8142")),
-            ("8142 <-> 4E00", ("8142", 0x4E00), (0x4E00, "8142")),
-            ("8146 <-> 00B7", ("8146", 0xB7), (0xB7, "8146")),
-            ("8144 -> 3000", ("8144", 0x3000), (0x3001, None)),
-            ("8145 <- 4E01", ("8145", 0x4E01), (0x4E01, "8145")),
-            ("A1 <- 3001", ("8144", 0x3001), (0x3001, "a1")),
-            ("80 undefined", ("80", None), (0x20AC, None)),
+        base = self.read()
+        for lines, decode, encode in [  # what they change; None is no mapping
+            (["8146 <-> 00B7"], {"8146": 0xB7}, {0xB7: "8146"}),
+            (["8144 <-> 00B7"], {"8144": 0xB7}, {0xB7: "8144", 0x3001: None}),
+            (["8144 -> 3000"], {"8144": 0x3000}, {0x3001: None}),
+            (["8145 <- 4E01"], {}, {0x4E01: "8145"}),
+            (["8142 undefined", "8145 <-> 4E01"], {"8142": None}, {0x4E01: "8145"}),
+            (["80 undefined"], {"80": None}, {0x20AC: None}),
+            (["A1 <-> 00B7 00B8"], {"A1": 0xB7, "A2": 0xB8}, {0xB7: "A1", 0xB8: "A2"}),
         ]:
-            restored = [] if line[:2] != "81" or line[3] != "2" else ["delta 8145 <-> 4E01 # r"]
-            restored += ["delta A1 -> 3001 # r"] if line[:2] == "A1" else []
-            with self.subTest(line):
-                mapping = self.read(f"delta {line}  # reason", *restored)
-                self.assertEqual(mapping.decode.get(bytes.fromhex(decoded[0])), decoded[1])
-                sequence = mapping.encode.get(encoded[0])
-                self.assertEqual(sequence and sequence.hex(), encoded[1])
+            with self.subTest(lines):
+                mapping = self.read(*(f"delta {line} # reason" for line in lines))
+                self.assertEqual(self.changes(base.decode, mapping.decode),
+                                 {bytes.fromhex(key): value for key, value in decode.items()})
+                self.assertEqual(self.changes(base.encode, mapping.encode),
+                                 {key: value and bytes.fromhex(value)
+                                  for key, value in encode.items()})
 
     def test_refusals(self):
         for line, pattern in [
-            ("80", "not a mapping"), ("80 20AC", "not a mapping"), ("80 <->", "not a mapping"),
-            ("80 undefined", "not a mapping"), ("delta 80 undefined 20AC # r", "not a mapping"),
+            *((line, "not a mapping") for line in (
+                "80", "80 20AC", "80 <->", "80 undefined", "delta 80 undefined 20AC # r")),
             ("8 <- 20AD", "not a sequence"), ("814000 <- 20AD", "not a sequence"),
             ("a1 <- 20AD", "not a sequence"), ("A1 <- AD", "not a number"),
             ("A1 <- 20AD..20AC", "not ascending"), ("A1 <- 110000", "out of range"),
@@ -150,7 +151,7 @@ class CharsetReader(TemporaryTree):
             ("A1 <-> 20AD", "A1 is out of order"), ("5B <- 20AD", "5B is out of order"),
             ("80 <- 00A5", r"U\+00A5 is mapped twice"), ("A1 <- 20AD 20AD", r"U\+20AD is mapped"),
             ("delta A1 <-> 20AD", "without a reason"), ("delta A1 <-> 20AD #", "without a reason"),
-            *((f"delta {change} # r", "no different") for change in (
+            *((f"delta {change} # r", "nothing changes") for change in (
                 "80 <-> 20AC", "8145 -> 4E01", "5C <- 00A5", "A1 undefined", "80 <-> 20AC 20AD")),
         ]:
             with self.subTest(line):
@@ -162,8 +163,7 @@ class CharsetReader(TemporaryTree):
             (["delta 8142 undefined # r"], r"file.txt:5: U\+4E01 has no round trip"),
             (["delta 5C undefined # r"], r"5C is not U\+005C both ways"),
         ]:
-            with self.subTest(lines):
-                self.assert_refused(pattern, self.read, *lines)
+            self.assert_refused(pattern, self.read, *lines)
         for lines, pattern in [
             (["80 <-> 20AC", "80 <-> 20AD"], "file.txt:2: 80 is mapped twice"),
             (["80 <-> 20AC 20AD", "81 <-> 20AE"], "file.txt:2: 81 is mapped twice"),
@@ -173,8 +173,7 @@ class CharsetReader(TemporaryTree):
             (["80 -> 20AC", "80 <- 20AC"], r"file.txt:2: U\+20AC is not one-way"),
             ([], r"00 is not U\+0000 both ways"), (["\u0660"], "file.txt:1: not ASCII"),
         ]:
-            with self.subTest(lines):
-                self.assert_refused(pattern, charset_mapping.read, self.write(lines))
+            self.assert_refused(pattern, charset_mapping.read, self.write(lines))
 
 
 class Generators(TemporaryTree):
@@ -221,18 +220,17 @@ class Generators(TemporaryTree):
         for name, deltas, pattern in [
             ("ISO-8859-2", ["FF undefined"], "undefined bytes: 1 instead of 0"),
             ("ISO-8859-2", ["FF <-> 20AC"], "highest code point: 20AC instead of 02DD"),
-            ("ISO-8859-2", ["FF <- 0100"], "one-way entries: 1 instead of 0"),
+            ("ISO-8859-2", ["FF <- 0100"], "one way entries: 1 instead of 0"),
             ("ISO-8859-2", ["FF -> 0041"], "duplicates: 1 instead of 0"),
             ("ISO-8859-2", ["FF41 <- 0100"], "bytes of a sequence: 2 instead of 1"),
-            ("Windows-31J", ["A0 <- F8F0"], "one-way"),
             ("Windows-31J", ["81 <- F8F0"], "81 is no sequence"),
             ("Windows-31J", ["817F <- F8F0"], "817F is no sequence"),
             ("Windows-31J", ["A040 <- F8F0"], "A040 is no sequence"),
             ("Windows-31J", ["81408140 <- F8F0"], "81408140 is no sequence"),
             ("Windows-31J", ["8140 <- FFE6"], "highest code point: FFE6 instead of FFE5"),
             ("Big5", ["A1C3 -> 4E00"], "13709 two-byte, 6 duplicate instead of 13708 two-byte"),
-            ("GB18030", ["817F <- 0080"], "817F is no sequence"),
-            ("GB18030", ["8431A439 undefined"], "39420 instead of"),
+            ("GB18030", ["817F -> 0080"], "817F is no sequence"),
+            ("GB18030", ["8431A439 undefined"], "63359.* instead of .*63360"),
             # One uniform block fewer of an offset that just so many have.
             ("GB18030", ["8233A736 <-> 44FD", "8233A737 <-> 44FC"], "shared offsets"),
         ]:
@@ -260,8 +258,7 @@ class Layout(unittest.TestCase):
         self.assertEqual(blocks.arrays("x", "int", str, 2)[1].split("\n"),
                          ["constexpr int x_data[9] = {",
                           "    -1, 50, 60, -1, -1, 7, -1, -1, 0,  // 04", "};"])
-        with self.assertRaises(SystemExit):
-            tablegen.sparse_blocks({0: 1, 1: 1, 2: 1}, 2, 0, -1, 0, 2)
+        self.assertRaises(SystemExit, tablegen.sparse_blocks, {0: 1, 1: 1, 2: 1}, 2, 0, -1, 0, 2)
 
     def test_array(self):
         self.assertEqual(tablegen.cpp_array("int", "a", ["1", "2", "3"], 2, lambda i: f"from {i}"),

@@ -10,8 +10,9 @@
 // position of the block's entries in the data: code units by key, keys by code
 // unit. An entry e from 0xFFF4 to 0xFFFE is a block in which all keys are the
 // code units plus gb18030_offsets[0xFFFE - e]. 0xFFFF is a block that is never
-// looked up: keys below 256, code units below 0x80, surrogates. Indices and data
-// have one entry more, 0, so that wide loads of the last entry stay within.
+// looked up: keys below 256, code units below 0x80, surrogates. Keys of trail byte
+// 0x7F, which are no sequences, have 0xDFFF in the data. Indices and data have one
+// entry more, 0, so that wide loads of the last entry stay within.
 
 #ifndef KIV_CHARSET_TABLES_GB18030_TABLES_H
 #define KIV_CHARSET_TABLES_GB18030_TABLES_H
@@ -20,10 +21,10 @@
 
 namespace kiv::tables {
 
-extern const std::int32_t gb18030_offsets[13];  // key - code point
-extern const std::uint16_t gb18030_decode_index[];  // of keys 0 .. 63743
+extern const std::int32_t gb18030_offsets[13];         // key - code point
+extern const std::uint16_t gb18030_decode_index[997];  // of keys 0 .. 63743
 extern const char16_t gb18030_decode_data[31489];
-extern const std::uint16_t gb18030_encode_index[];  // of all code units
+extern const std::uint16_t gb18030_encode_index[1025];  // of all code units
 extern const std::uint16_t gb18030_encode_data[31425];
 
 }  // namespace kiv::tables
