@@ -2,8 +2,9 @@
 // the conversion at once gives, and encoded text must decode and encode to the
 // same bytes again.
 //
-// The first bytes of the input choose the charset, the action, the sizes of the
-// pieces and of the output; the rest is the text.
+// The first bytes of the input choose the charset (by its place among the
+// available ones), the action, the kernels, the sizes of the pieces and of the
+// output; the rest is the text.
 
 #include <algorithm>
 #include <cstddef>
@@ -14,6 +15,8 @@
 #include <vector>
 
 #include <kiv/charset.h>
+
+#include "charset/table_kernels.h"
 
 namespace {
 
@@ -64,11 +67,63 @@ constexpr auto encode_step = [](auto& coder, auto& in, auto& out, bool end) {
     return coder.encode(in, out, end);
 };
 
-template <class Coder>
-void set_actions(Coder& coder, CodingErrorAction action)
+// How an input is to be converted.
+struct Plan {
+    const Charset* charset;
+    CodingErrorAction action;
+    const kiv::TableKernels* at_once;    // null: the best of the machine
+    const kiv::TableKernels* in_pieces;  // every set must give the same
+    std::size_t piece;
+    std::size_t room;
+
+    explicit Plan(const std::uint8_t* head)
+        : action(head[1] % 2 == 0 ? CodingErrorAction::IGNORE
+                                  : CodingErrorAction::REPLACE),
+          at_once((head[1] & 2) != 0 ? &kiv::no_table_kernels : nullptr),
+          in_pieces((head[1] & 4) != 0 ? &kiv::no_table_kernels : nullptr),
+          piece(1 + head[2] % 40),
+          room(6 + head[3] % 40)  // six: the largest single result
+    {
+        const auto charsets = Charset::availableCharsets();
+        charset = charsets[head[0] % charsets.size()];
+    }
+
+    template <class Coder>
+    void set_actions(Coder& coder) const
+    {
+        coder.onMalformedInput(action);
+        coder.onUnmappableCharacter(action);
+    }
+};
+
+kiv::ustring check_decoder(const Plan& plan, const std::vector<unsigned char>& bytes)
 {
-    coder.onMalformedInput(action);
-    coder.onUnmappableCharacter(action);
+    const auto decoder = plan.charset->newDecoder();
+    plan.set_actions(*decoder);
+    kiv::use_table_kernels(plan.at_once);
+    kiv::ustring text = decoder->decode(kiv::basic_string_ref<char>(
+        reinterpret_cast<const char*>(bytes.data()), bytes.size()));
+    decoder->reset();
+    kiv::use_table_kernels(plan.in_pieces);
+    const auto pieces = in_pieces<kiv::CharsetDecoder, unsigned char, kiv::char16>(
+        *decoder, bytes, plan.piece, plan.room, decode_step);
+    require(text == kiv::ustring(pieces.begin(), pieces.end()));
+    return text;
+}
+
+std::string check_encoder(const Plan& plan, const kiv::ustring& text)
+{
+    const auto encoder = plan.charset->newEncoder();
+    plan.set_actions(*encoder);
+    kiv::use_table_kernels(plan.at_once);
+    std::string encoded = encoder->encode(text);
+    encoder->reset();
+    kiv::use_table_kernels(plan.in_pieces);
+    const std::vector<kiv::char16> units(text.begin(), text.end());
+    const auto pieces = in_pieces<kiv::CharsetEncoder, kiv::char16, unsigned char>(
+        *encoder, units, plan.piece, plan.room, encode_step);
+    require(encoded == std::string(pieces.begin(), pieces.end()));
+    return encoded;
 }
 
 }  // namespace
@@ -77,38 +132,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     if (size < 4)
         return 0;
-    const auto charsets = Charset::availableCharsets();
-    const Charset* charset = charsets[data[0] % charsets.size()];
-    const auto action =
-        data[1] % 2 == 0 ? CodingErrorAction::IGNORE : CodingErrorAction::REPLACE;
-    const std::size_t piece = 1 + data[2] % 40;
-    const std::size_t room = 6 + data[3] % 40;  // six: the largest single result
+    const Plan plan(data);
     const std::vector<unsigned char> bytes(data + 4, data + size);
-    const kiv::basic_string_ref<char> view(reinterpret_cast<const char*>(bytes.data()),
-                                           bytes.size());
 
-    const auto decoder = charset->newDecoder();
-    set_actions(*decoder, action);
-    const kiv::ustring text = decoder->decode(view);
-    decoder->reset();
-    const auto pieces = in_pieces<kiv::CharsetDecoder, unsigned char, kiv::char16>(
-        *decoder, bytes, piece, room, decode_step);
-    require(text == kiv::ustring(pieces.begin(), pieces.end()));
-
-    const auto encoder = charset->newEncoder();
-    set_actions(*encoder, action);
-    const std::string encoded = encoder->encode(text);
-    encoder->reset();
-    const std::vector<kiv::char16> units(text.begin(), text.end());
-    const auto encoded_pieces =
-        in_pieces<kiv::CharsetEncoder, kiv::char16, unsigned char>(*encoder, units, piece,
-                                                                   room, encode_step);
-    require(std::equal(
-        encoded.begin(), encoded.end(), encoded_pieces.begin(), encoded_pieces.end(),
-        [](char a, unsigned char b) { return static_cast<unsigned char>(a) == b; }));
+    const kiv::ustring text = check_decoder(plan, bytes);
+    const std::string encoded = check_encoder(plan, text);
     // Text that came out of the charset goes back into it, and out again.
-    encoder->reset();
-    if (encoder->canEncode(text))
-        require(charset->encode(charset->newDecoder()->decode(encoded)) == encoded);
+    if (plan.charset->newEncoder()->canEncode(text))
+        require(plan.charset->encode(plan.charset->decode(encoded)) == encoded);
+
+    // The same bytes as any code units, most of which few charsets have.
+    kiv::ustring units;
+    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
+        units += static_cast<char16_t>(bytes[i] | bytes[i + 1] << 8);
+    check_encoder(plan, units);
     return 0;
 }

@@ -93,12 +93,21 @@ KIV_AVX512 inline __m512i gather(const void* table16, __m512i positions,
 }
 
 // Where a two-level table with blocks of 2^BITS keeps the entries of the keys.
-// Takes the lanes from `lanes` whose block is missing.
-template <unsigned BITS>
+// Takes the lanes from `lanes` whose block is missing. An index that covers keys up to
+// LAST in no more than 16 entries is looked up in a register.
+template <unsigned BITS, unsigned LAST>
 KIV_AVX512 inline __m512i positions_of(const std::uint16_t* index, __m512i keys,
                                        __mmask16& lanes) noexcept
 {
-    const __m512i blocks = gather(index, _mm512_srli_epi32(keys, BITS), lanes);
+    constexpr std::size_t size = (LAST >> BITS) + 1;
+    const __m512i numbers = _mm512_srli_epi32(keys, BITS);
+    __m512i blocks;
+    if constexpr (size <= 16)
+        blocks = _mm512_permutexvar_epi32(
+            numbers,
+            _mm512_cvtepu16_epi32(_mm256_maskz_loadu_epi16(low_bits16(size), index)));
+    else
+        blocks = gather(index, numbers, lanes);
     lanes = _mm512_mask_cmpneq_epu32_mask(lanes, blocks, splat32(DBCS_NONE));
     return _mm512_or_si512(blocks, _mm512_and_si512(keys, splat32((1U << BITS) - 1)));
 }

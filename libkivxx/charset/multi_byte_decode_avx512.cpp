@@ -45,7 +45,8 @@ struct Form {
             _mm512_sub_epi32(bytes.first, splat32(0x80)), splat32(DBCS_ROW));
         const __m512i keys =
             _mm512_mask_add_epi32(bytes.first, bytes.twos, row, bytes.second);
-        const __m512i at = positions_of<Traits::DECODE_BLOCK_BITS>(index, keys, lanes);
+        const __m512i at =
+            positions_of<Traits::DECODE_BLOCK_BITS, DBCS_LAST_KEY>(index, keys, lanes);
         __m512i characters;
         if constexpr (SUPPLEMENTARY)
             characters =
@@ -69,31 +70,33 @@ struct Form<GB18030Traits> {
     {
         using namespace gb18030;
         lanes &= bytes.twos;  // 80 and FF stand alone and are no character
+        const auto fours = static_cast<__mmask16>(bytes.fours & lanes);
+        const auto twos = static_cast<__mmask16>(lanes & ~fours);
+        // The blocks of two-byte keys stand at the front of the data.
         const __m512i row = _mm512_mullo_epi16(
             _mm512_sub_epi32(bytes.first, splat32(0x81)), splat32(TWO_BYTE_ROW));
-        const __m512i in_row =
-            _mm512_add_epi32(bytes.second, splat32(two_byte_key(0x81, 0)));
-        __m512i keys = _mm512_add_epi32(row, in_row);
-        const auto fours = static_cast<__mmask16>(bytes.fours & lanes);
+        const __m512i in_row = _mm512_sub_epi32(bytes.second, splat32(0x40));
+        const __m512i units = gather(data, _mm512_add_epi32(row, in_row), twos);
         if (fours == 0)
-            return look_up_gb18030(index, data, keys, lanes, -1);
+            return units;
 
         const __m512i front = digit_pair(bytes.first, bytes.second);
         const __m512i back = digit_pair(bytes.third, bytes.fourth);
         const __m512i linear =
-            _mm512_add_epi32(_mm512_mullo_epi32(front, splat32(1260)), back);
-        keys = _mm512_mask_add_epi32(keys, fours, linear, splat32(FIRST_FOUR_BYTE_KEY));
+            _mm512_add_epi32(_mm512_madd_epi16(front, splat32(1260)), back);
+        const __m512i keys = _mm512_add_epi32(linear, splat32(FIRST_FOUR_BYTE_KEY));
         const __mmask16 beyond =
             _mm512_mask_cmpge_epu32_mask(fours, keys, splat32(FIRST_SUPPLEMENTARY_KEY));
-        const __m512i characters = look_up_gb18030(
-            index, data, keys, static_cast<__mmask16>(lanes & ~beyond), -1);
+        const __m512i plane0 = look_up_gb18030(
+            index, data, keys, static_cast<__mmask16>(fours & ~beyond), -1);
         const __m512i supplementary =
             _mm512_sub_epi32(keys, splat32(SUPPLEMENTARY_KEY_OFFSET));
         // 0x10000 to 0x10FFFF; what lies below wraps around.
         const __mmask16 wrong = _mm512_mask_cmpge_epu32_mask(
             beyond, _mm512_sub_epi32(supplementary, splat32(0x10000)), splat32(0x100000));
         lanes &= static_cast<__mmask16>(~wrong);
-        return _mm512_mask_mov_epi32(characters, beyond, supplementary);
+        const __m512i all = _mm512_mask_mov_epi32(units, fours, plane0);
+        return _mm512_mask_mov_epi32(all, beyond, supplementary);
     }
 
 private:
@@ -190,8 +193,10 @@ public:
         lanes.second = lane_bytes(m_second, i);
         lanes.twos = static_cast<__mmask16>(m_twos >> i);
         lanes.fours = static_cast<__mmask16>(m_fours >> i);
-        lanes.third = lane_bytes(m_third, i);
-        lanes.fourth = lane_bytes(m_fourth, i);
+        if (F::HAS_FOURS && lanes.fours != 0) {
+            lanes.third = lane_bytes(m_third, i);
+            lanes.fourth = lane_bytes(m_fourth, i);
+        }
         return lanes;
     }
     // Those that are to be looked up, and those that are the rest of another.

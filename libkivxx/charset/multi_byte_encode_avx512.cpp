@@ -29,8 +29,8 @@ struct Form {
         if constexpr (Traits::HIGHEST != 0xFFFF)
             lanes =
                 _mm512_mask_cmple_epu32_mask(lanes, characters, splat32(Traits::HIGHEST));
-        const __m512i at =
-            positions_of<Traits::ENCODE_BLOCK_BITS>(index, characters, lanes);
+        const __m512i at = positions_of<Traits::ENCODE_BLOCK_BITS, Traits::HIGHEST>(
+            index, characters, lanes);
         const __m512i codes = gather(data, at, lanes);
         lanes = _mm512_mask_cmpneq_epu32_mask(lanes, codes, splat32(DBCS_NONE));
         return codes;
@@ -79,7 +79,7 @@ private:
     template <unsigned N>
     KIV_AVX512 static __m512i remainder(__m512i numbers, __m512i quotients) noexcept
     {
-        return _mm512_sub_epi32(numbers, _mm512_mullo_epi32(quotients, splat32(N)));
+        return _mm512_sub_epi32(numbers, _mm512_madd_epi16(quotients, splat32(N)));
     }
     // The quotient by N in the bits from `shift` up, the remainder below.
     template <unsigned N>

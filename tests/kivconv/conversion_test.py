@@ -5,7 +5,8 @@ import select
 import subprocess
 import unittest
 
-from program import BLOCK, CHARSETS, ProgramTest, encode, feed, run, start
+from program import (BLOCK, CHARSETS, NATIONAL, ProgramTest, characters_of, encode, feed, run,
+                     start)
 
 # Where a fault or a cut is put in the input: at its start, about the block
 # boundary, and some blocks in.
@@ -25,8 +26,18 @@ def random_text(seed, charset_limit, length):
     return "".join(text)
 
 
+def national_text(*charsets):
+    """Words of ASCII and of characters that all the charsets have."""
+    chooser = random.Random(" ".join(charsets))
+    common = set.intersection(*(set(characters_of(charset)) for charset in charsets))
+    alphabets = ["etaoin shrdlu", sorted(common) or "0123456789"]
+    return "".join(letter for _ in range(10000) for letter in
+                   chooser.choices(chooser.choice(alphabets), k=chooser.randint(1, 20)))
+
+
 def limit_of(*charsets):
-    limits = {"US-ASCII": 0x7E, "ISO-8859-1": 0xFF}
+    limits = {"US-ASCII": 0x7E, "ISO-8859-1": 0xFF, "GB18030": 0x10FFFF}
+    limits |= {charset: 0x7E for charset in NATIONAL if charset not in limits}
     return min(limits.get(charset, 0x10FFFF) for charset in charsets)
 
 
@@ -44,11 +55,24 @@ class ValidText(ProgramTest):
                                               input=data, capture_output=True, check=True)
                         self.assertEqual(result.out, peer.stdout)
 
+    def test_national_charsets(self):
+        for source, target in zip(NATIONAL, NATIONAL[1:] + NATIONAL[:1]):
+            text = national_text(source)
+            self.assertGreater(len(set(text)), 60, source)
+            for text, start, end in [(text, source, "UTF-8"), (text, "UTF-8", source),
+                                     (national_text(source, target), source, target)]:
+                with self.subTest(source=start, target=end):
+                    result = run("-f", start, "-t", end, stdin=encode(text, start))
+                    self.expect(result, 0, encode(text, end), "")
+
     def test_characters_across_the_block_boundary(self):
-        for source, target in [("UTF-8", "UTF-16LE"), ("CESU-8", "UTF-8"),
-                               ("UTF-16BE", "UTF-8"), ("UTF-16LE", "CESU-8")]:
+        for source, target, characters in [
+                ("UTF-8", "UTF-16LE", "é€\U0001F600"), ("CESU-8", "UTF-8", "é€\U0001F600"),
+                ("UTF-16BE", "UTF-8", "é€\U0001F600"), ("UTF-16LE", "CESU-8", "é€\U0001F600"),
+                ("Shift_JIS", "UTF-8", "ア漢"), ("GB18030", "UTF-16BE", "汉é\U0001F600"),
+                ("Big5-HKSCS", "GB18030", "字\U00020547"), ("x-windows-949", "Big5", "漢")]:
             unit = len(encode("x", source))
-            for character in "é€\U0001F600":
+            for character in characters:
                 for padding in range(BLOCK - 8, BLOCK + 3):
                     text = "x" * (padding // unit) + character * 3 + "y"
                     result = run("-f", source, "-t", target, stdin=encode(text, source))
@@ -114,6 +138,12 @@ FAULTS = [
     ("UTF-16BE", "ISO-8859-1", b"\x20\xAC", "20 AC (U+20AC) cannot be written in ISO-8859-1, "
                                                 "which has U+0000 to U+00FF"),
     ("ISO-8859-1", "US-ASCII", b"\xE9", "E9 (U+00E9) cannot be written in US-ASCII"),
+    ("windows-1255", "UTF-8", b"\xCA", "CA stands for no character in windows-1255"),
+    ("Shift_JIS", "UTF-8", b"\x83\x20", "83 is not Shift_JIS: no character is encoded so"),
+    ("Windows-31J", "UTF-8", b"\x85\x40", "85 40 stands for no character in Windows-31J"),
+    ("GB18030", "UTF-8", b"\x81\x30\x81\x20", "81 30 81 20 is not GB18030: no character"),
+    ("Big5-HKSCS", "Big5", b"\x95\xA9", "95 A9 (U+20547) cannot be written in Big5\n"),
+    ("GB18030", "KOI8-R", b"\x90\x30\x81\x30", "90 30 81 30 (U+10000) cannot be written in KOI8-R"),
 ]
 
 # The same for what only the end of the input makes a fault.
@@ -124,6 +154,8 @@ FAULTS_AT_END = [
     ("UTF-8", "UTF-16LE", b"\xE2\x28", "E2 28 is not UTF-8: the byte after the lead byte E2"),
     ("CESU-8", "UTF-8", b"\xED\xA0\xBD\xED\xB8", "ED A0 BD (U+D83D) is half of a surrogate"),
     ("UTF-16LE", "UTF-8", b"\x41", "41 is not UTF-16LE: the input ends within a unit of 2"),
+    ("Shift_JIS", "UTF-8", b"\x83", "83 is not Shift_JIS: the input ends within a character\n"),
+    ("GB18030", "UTF-8", b"\x81\x30\x81", "81 30 81 is not GB18030: the input ends within a"),
     ("UTF-16BE", "UTF-8", b"\xD8\x3D", "D8 3D is not UTF-16BE: the input ends within a "
                                        "surrogate pair"),
 ]
@@ -265,6 +297,7 @@ class Usage(ProgramTest):
                             encode("x", name))
         self.assertIn("latin1", rows["ISO-8859-1"])
         self.assertIn("csUTF8", rows["UTF-8"])
+        self.assertEqual(rows.keys(), {*CHARSETS, *NATIONAL})
         self.assertEqual(run("-l").out, result.out)
 
     def test_every_listed_charset_converts(self):

@@ -1,6 +1,7 @@
 """Running kivconv, and an independent view of its charsets."""
 import array
 import fcntl
+import functools
 import os
 import subprocess
 import sys
@@ -13,6 +14,14 @@ import unittest
 BLOCK = 64 * 1024
 
 CHARSETS = ["UTF-8", "CESU-8", "UTF-16BE", "UTF-16LE", "US-ASCII", "ISO-8859-1"]
+
+# Python's codecs for charsets that it does not know by their names.
+CODECS = {"Windows-31J": "cp932", "x-mswin-936": "gbk", "x-windows-949": "cp949",
+          "x-windows-950": "cp950", "windows-874": "cp874", "x-iso-8859-11": "iso8859-11"}
+
+NATIONAL = [*(f"ISO-8859-{n}" for n in [*range(2, 11), 13, 14, 15, 16]), "KOI8-R", "KOI8-U",
+            *(f"windows-{n}" for n in range(1250, 1259)), "Shift_JIS", "GBK", "GB18030",
+            "Big5", "Big5-HKSCS", *CODECS]
 
 
 def program():
@@ -27,7 +36,26 @@ def encode(text, charset):
     if charset == "CESU-8":
         units = array.array("H", text.encode("utf-16-le", "surrogatepass"))
         return b"".join(chr(unit).encode("utf-8", "surrogatepass") for unit in units)
-    return text.encode(charset)
+    return text.encode(CODECS.get(charset, charset))
+
+
+@functools.cache
+def characters_of(charset):
+    """Letters and ideographs of a national charset, where it and Python's codec agree."""
+    # The codecs prefer other duplicates, and have symbols, Cyrillic letters and kana more.
+    disputed = {"Windows-31J": [0xED, 0xEE], "x-windows-950": [0xA2, 0xC6, 0xC7]}
+    characters = []
+    for first, last in [(0xA1, 0x2AF), (0x370, 0x6FF), (0xE01, 0xE5B), (0x3041, 0x30F6),
+                        (0x4E00, 0x9FA5), (0xAC00, 0xD7A3), (0x20000, 0x2A6D6)]:
+        for character in map(chr, range(first, last + 1)):
+            try:
+                data = encode(character, charset)
+                if (data[0] not in disputed.get(charset, []) and
+                        data.decode(CODECS.get(charset, charset)) == character):
+                    characters.append(character)
+            except UnicodeEncodeError:
+                pass
+    return characters
 
 
 class Result:

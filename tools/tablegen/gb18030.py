@@ -14,6 +14,7 @@ OUTPUT = "libkivxx/charset/tables/gb18030.cpp"
 
 BITS = 6
 BLOCK = 1 << BITS
+FIRST_TWO_BYTE_KEY = 256
 FIRST_FOUR_BYTE_KEY = 24322
 LAST_KEY = 63741  # of the Basic Multilingual Plane
 TWO_BYTE_CODES = 23940
@@ -34,7 +35,7 @@ def key_of(path, sequence):
     code = sequence.decode("latin-1")
     if re.fullmatch("[\x81-\xFE][\x40-\x7E\x80-\xFE]", code):
         lead, trail = sequence
-        return (lead - 0x81) * 191 + trail - 0x40 + 256
+        return FIRST_TWO_BYTE_KEY + (lead - 0x81) * 191 + trail - 0x40
     if re.fullmatch("([\x81-\xFE][0-9]){2}", code):
         b1, b2, b3, b4 = sequence
         linear = ((b1 - 0x81) * 10 + b2 - 0x30) * 1260 + (b3 - 0x81) * 10 + b4 - 0x30
@@ -70,6 +71,10 @@ def generate(root):
     unit_offsets = uniform_blocks(keys)
     decode = tablegen.sparse_blocks(units, LAST_KEY, BITS, NO_CHARACTER, PADDING, DATA_LIMIT,
                                     lambda first: ENTRIES.get(offsets.get(first)))
+    # The decoder finds two-byte keys without the index.
+    first, last = (key >> BITS for key in (FIRST_TWO_BYTE_KEY, FIRST_FOUR_BYTE_KEY - 1))
+    mapping.expect(two_byte_blocks=(decode.index[first:last + 1],
+                                    [*range(0, (last - first + 1) * BLOCK, BLOCK)]))
     encode = tablegen.sparse_blocks(keys, 0xFFFF, BITS, 0, PADDING, DATA_LIMIT,
                                     lambda first: ENTRIES.get(unit_offsets.get(first)))
     arrays = [
