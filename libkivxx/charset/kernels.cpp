@@ -31,6 +31,8 @@ const TableKernels* choose() noexcept
 #if defined(__x86_64__)
     if (platform::cpu_has_avx512_vbmi2())
         return &avx512_table_kernels;
+    if (platform::cpu_has_avx2())
+        return &avx2_table_kernels;
 #endif
     return &no_table_kernels;
 }

@@ -89,8 +89,8 @@ DecodeProgress decode_sbcs(const char16_t* table, const unsigned char* in,
 
 namespace {
 
-// The upper or lower byte of each of 64 units. `which` selects.
-KIV_AVX512 inline __m512i even_bytes(__m512i a, __m512i b) noexcept
+// The lower bytes of 64 units.
+KIV_AVX512 inline __m512i low_bytes(__m512i a, __m512i b) noexcept
 {
     const __m512i low = _mm512_castsi256_si512(_mm512_cvtepi16_epi8(a));
     return _mm512_inserti64x4(low, _mm512_cvtepi16_epi8(b), 1);
@@ -119,23 +119,22 @@ EncodeProgress encode_sbcs(const unsigned char* pages, const char16* in,
         const __m512i b = _mm512_maskz_loadu_epi16(
             static_cast<__mmask32>(low_bits(size) >> VECTOR_UNITS),
             in + i + VECTOR_UNITS);
-        __m512i bytes = even_bytes(a, b);
+        __m512i bytes = low_bytes(a, b);
         const __m512i page_of_unit =
-            even_bytes(_mm512_srli_epi16(a, 7), _mm512_srli_epi16(b, 7));
+            low_bytes(_mm512_srli_epi16(a, 7), _mm512_srli_epi16(b, 7));
         __mmask64 beyond = _mm512_cmpge_epu16_mask(a, splat16(tables::PAGED_UNITS)) |
                            static_cast<__mmask64>(
                                _mm512_cmpge_epu16_mask(b, splat16(tables::PAGED_UNITS)))
                                << VECTOR_UNITS;
         const __mmask64 not_ascii = _mm512_test_epi8_mask(page_of_unit, page_of_unit);
-        const __m512i slots = look_up(pages, page_of_unit);
         const __m512i units = bytes;
         for (__mmask64 rest = not_ascii & ~beyond; rest != 0;) {
-            const auto unit =
-                static_cast<char16_t>(in[i + std::size_t(std::countr_zero(rest))]);
-            const unsigned slot = pages[unit >> 7];
-            const __mmask64 same = _mm512_mask_cmpeq_epi8_mask(rest, slots, splat8(slot));
-            const unsigned char* page = pages + tables::PAGE_SIZE * (1 + slot);
-            bytes = _mm512_mask_mov_epi8(bytes, same, look_up(page, units));
+            const auto at = static_cast<std::size_t>(std::countr_zero(rest));
+            const unsigned page = static_cast<char16_t>(in[i + at]) / tables::PAGE_SIZE;
+            const __mmask64 same =
+                _mm512_mask_cmpeq_epi8_mask(rest, page_of_unit, splat8(page));
+            const unsigned char* slot = pages + tables::PAGE_SIZE * (1U + pages[page]);
+            bytes = _mm512_mask_mov_epi8(bytes, same, look_up(slot, units));
             rest &= ~same;
         }
         const __mmask64 unmapped =

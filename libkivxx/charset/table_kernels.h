@@ -65,7 +65,9 @@ struct TableKernels {
 
 extern const TableKernels no_table_kernels;
 #if defined(__x86_64__)
-extern const TableKernels avx512_table_kernels;  // for machines that have them
+// For machines that have the instructions. AVX2: single-byte charsets only.
+extern const TableKernels avx2_table_kernels;
+extern const TableKernels avx512_table_kernels;
 #endif
 
 // The best set for this machine.

@@ -17,4 +17,14 @@ bool cpu_has_avx512_vbmi2() noexcept
 #endif
 }
 
+bool cpu_has_avx2() noexcept
+{
+#if defined(__x86_64__)
+    __builtin_cpu_init();
+    return __builtin_cpu_supports("avx2");
+#else
+    return false;
+#endif
+}
+
 }  // namespace kiv::platform

@@ -5,9 +5,13 @@
 
 namespace kiv::platform {
 
+// Each is true only if the system saves the registers, too.
+
 // AVX-512 with the instructions that permute and compress bytes (F, BW, DQ,
-// VL, VBMI and VBMI2, with BMI and BMI2), and a system that saves their registers.
+// VL, VBMI and VBMI2, with BMI and BMI2).
 bool cpu_has_avx512_vbmi2() noexcept;
+
+bool cpu_has_avx2() noexcept;
 
 }  // namespace kiv::platform
 
