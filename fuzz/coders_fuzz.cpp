@@ -17,6 +17,7 @@
 #include <kiv/charset.h>
 
 #include "charset/table_kernels.h"
+#include "platform/cpu.h"
 
 namespace {
 
@@ -67,11 +68,21 @@ constexpr auto encode_step = [](auto& coder, auto& in, auto& out, bool end) {
     return coder.encode(in, out, end);
 };
 
+// Null is the best set of the machine.
+const kiv::TableKernels* kernel_set(unsigned choice)
+{
+#if defined(__x86_64__)
+    if (choice % 4 == 2 && kiv::platform::cpu_has_avx2())
+        return &kiv::avx2_table_kernels;
+#endif
+    return choice % 4 == 1 ? &kiv::no_table_kernels : nullptr;
+}
+
 // How an input is to be converted.
 struct Plan {
     const Charset* charset;
     CodingErrorAction action;
-    const kiv::TableKernels* at_once;    // null: the best of the machine
+    const kiv::TableKernels* at_once;
     const kiv::TableKernels* in_pieces;  // every set must give the same
     std::size_t piece;
     std::size_t room;
@@ -79,8 +90,8 @@ struct Plan {
     explicit Plan(const std::uint8_t* head)
         : action(head[1] % 2 == 0 ? CodingErrorAction::IGNORE
                                   : CodingErrorAction::REPLACE),
-          at_once((head[1] & 2) != 0 ? &kiv::no_table_kernels : nullptr),
-          in_pieces((head[1] & 4) != 0 ? &kiv::no_table_kernels : nullptr),
+          at_once(kernel_set(head[1] / 2U)),
+          in_pieces(kernel_set(head[1] / 8U)),
           piece(1 + head[2] % 40),
           room(6 + head[3] % 40)  // six: the largest single result
     {

@@ -27,10 +27,9 @@ def run(program, *arguments, **variables):
 
 class DefaultCharset(unittest.TestCase):
     def expect(self, wanted, **variables):
-        """`wanted` is the canonical name, or US-ASCII where there is no such charset."""
         with self.subTest({name: value[:40] for name, value in variables.items()}):
             known, default = run(PROGRAMS.default_charset, wanted, **variables)
-            self.assertEqual(default, "US-ASCII" if known == "-" else known)
+            self.assertEqual((known, default), (wanted, wanted))
 
     def test_variable(self):
         for value, wanted in (
@@ -65,6 +64,7 @@ class DefaultCharset(unittest.TestCase):
         self.expect("windows-1252", LC_ALL="", LC_CTYPE=latin, LANG=cyrillic)
         self.expect("windows-1252", LC_CTYPE="", LANG=latin, LC_NUMERIC=cyrillic)
         self.expect("US-ASCII", KIV_DEFAULT_CHARSET="us", LC_ALL=latin)
+        self.expect("Big5-HKSCS", KIV_DEFAULT_CHARSET="big5hk", LC_ALL=latin)
 
 
 class StaticObjects(unittest.TestCase):
