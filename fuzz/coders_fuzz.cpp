@@ -75,7 +75,7 @@ const kiv::TableKernels* kernel_set(unsigned choice)
     if (choice % 4 == 2 && kiv::platform::cpu_has_avx2())
         return &kiv::avx2_table_kernels;
 #endif
-    return choice % 4 == 1 ? &kiv::no_table_kernels : nullptr;
+    return choice % 4 == 1 ? &kiv::portable_table_kernels : nullptr;
 }
 
 // How an input is to be converted.

@@ -1,4 +1,5 @@
-// charset/avx512.h - short names for what the AVX-512 kernels do all the time.
+// charset/avx512.h - what the AVX-512 kernels share: short names, look-ups in tables,
+// and the kernels themselves.
 //
 // Every function that uses the instructions is marked KIV_AVX512: the files are
 // compiled for the common machine, so that nothing else in them needs more.
@@ -12,11 +13,13 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 
 #include "charset/dbcs_traits.h"
 #include "charset/gb18030_keys.h"
 #include "charset/table_kernels.h"
 #include "charset/tables/gb18030_tables.h"
+#include "charset/tables/no_entry.h"
 
 #define KIV_AVX512 \
     [[gnu::target( \
@@ -108,7 +111,7 @@ KIV_AVX512 inline __m512i positions_of(const std::uint16_t* index, __m512i keys,
             _mm512_cvtepu16_epi32(_mm256_maskz_loadu_epi16(low_bits16(size), index)));
     else
         blocks = gather(index, numbers, lanes);
-    lanes = _mm512_mask_cmpneq_epu32_mask(lanes, blocks, splat32(DBCS_NONE));
+    lanes = _mm512_mask_cmpneq_epu32_mask(lanes, blocks, splat32(tables::NO_BLOCK));
     return _mm512_or_si512(blocks, _mm512_and_si512(keys, splat32((1U << BITS) - 1)));
 }
 
@@ -123,13 +126,13 @@ KIV_AVX512 inline __m512i look_up_gb18030(const std::uint16_t* index, const void
     const __m512i blocks = gather(index, _mm512_srli_epi32(keys, BLOCK_BITS), lanes);
     const __mmask16 stored =
         _mm512_mask_cmplt_epu32_mask(lanes, blocks, splat32(FIRST_SPECIAL));
-    const __m512i in_block = _mm512_and_si512(keys, splat32((1U << BLOCK_BITS) - 1));
+    const __m512i in_block = _mm512_and_si512(keys, splat32(IN_BLOCK));
     const __m512i found = gather(data, _mm512_or_si512(blocks, in_block), stored);
     const auto special = static_cast<__mmask16>(lanes & ~stored);
     if (special == 0)
         return found;
-    const __m512i offsets =
-        _mm512_maskz_loadu_epi32(low_bits16(13), tables::gb18030_offsets);
+    const __m512i offsets = _mm512_maskz_loadu_epi32(
+        low_bits16(std::size(tables::gb18030_offsets)), tables::gb18030_offsets);
     const __m512i offset =
         _mm512_permutexvar_epi32(_mm512_sub_epi32(splat32(LAST_OFFSET), blocks), offsets);
     const __m512i shifted =

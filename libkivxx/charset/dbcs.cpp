@@ -13,7 +13,8 @@ char32_t DBCSDecoder<Traits>::character_of(unsigned key) const
 {
     constexpr unsigned bits = Traits::DECODE_BLOCK_BITS;
     const unsigned block = m_index[key >> bits];
-    return block == DBCS_NONE ? UNMAPPABLE : m_data[block | (key & ((1U << bits) - 1))];
+    return block == tables::NO_BLOCK ? UNMAPPABLE
+                                     : m_data[block | (key & ((1U << bits) - 1))];
 }
 
 template <class Traits>
@@ -63,9 +64,7 @@ CoderResult DBCSDecoder<Traits>::decodeLoop(Buffer<const unsigned char>& in,
     DecodeSpan span(in, out);
     const auto one = [&](CoderResult& stop) { return decode_one(span, stop); };
     const auto kernel = table_kernels().of<Traits>().decode;
-    if (kernel == nullptr)
-        return convert_plainly(span, kernels().decode_ascii, one);
-    return convert_by_kernel(
+    return convert_runs(
         span, [=, this](auto... range) { return kernel(m_index, m_data, range...); },
         one);
 }
@@ -77,9 +76,10 @@ unsigned DBCSEncoder<Traits>::bytes_of(char32_t c) const
 {
     constexpr unsigned bits = Traits::ENCODE_BLOCK_BITS;
     if (c > Traits::HIGHEST)
-        return DBCS_NONE;
+        return tables::NO_CODE;
     const unsigned block = m_index[c >> bits];
-    return block == DBCS_NONE ? DBCS_NONE : m_data[block | (c & ((1U << bits) - 1))];
+    return block == tables::NO_BLOCK ? tables::NO_CODE
+                                     : m_data[block | (c & ((1U << bits) - 1))];
 }
 
 template <class Traits>
@@ -97,7 +97,7 @@ bool DBCSEncoder<Traits>::encode_one(EncodeSpan& span, CoderResult& stop) const
         }
     }
     const unsigned bytes = c < 0x80 ? c : bytes_of(c);
-    if (bytes == DBCS_NONE) {
+    if (bytes == tables::NO_CODE) {
         stop = unmappableCodeUnit(span.in, span.in_end);
         return false;
     }
@@ -119,9 +119,7 @@ CoderResult DBCSEncoder<Traits>::encodeLoop(Buffer<const char16>& in,
     EncodeSpan span(in, out);
     const auto one = [&](CoderResult& stop) { return encode_one(span, stop); };
     const auto kernel = table_kernels().of<Traits>().encode;
-    if (kernel == nullptr)
-        return convert_plainly(span, kernels().encode_ascii, one);
-    return convert_by_kernel(
+    return convert_runs(
         span, [=, this](auto... range) { return kernel(m_index, m_data, range...); },
         one);
 }

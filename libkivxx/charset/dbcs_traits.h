@@ -106,10 +106,6 @@ constexpr unsigned dbcs_key(unsigned lead, unsigned trail) noexcept
 
 constexpr unsigned DBCS_LAST_KEY = dbcs_key(0xFE, 0xFE);
 
-// What an index holds for a block without a mapping, and encode tables for a
-// code point without one.
-constexpr unsigned DBCS_NONE = 0xFFFF;
-
 }  // namespace kiv
 
 #endif

@@ -10,17 +10,6 @@ namespace kiv {
 
 using namespace gb18030;
 
-namespace {
-
-constexpr unsigned IN_BLOCK = (1U << BLOCK_BITS) - 1;
-
-unsigned offset_of(unsigned entry) noexcept
-{
-    return static_cast<unsigned>(tables::gb18030_offsets[LAST_OFFSET - entry]);
-}
-
-}  // namespace
-
 // --- Decoding -------------------------------------------------------------------
 
 GB18030Decoder::GB18030Decoder(const Charset* charset)
@@ -28,13 +17,6 @@ GB18030Decoder::GB18030Decoder(const Charset* charset)
       m_index(tables::gb18030_decode_index),
       m_data(tables::gb18030_decode_data)
 {
-}
-
-char16_t GB18030Decoder::unit_of(unsigned key) const
-{
-    const unsigned entry = m_index[key >> BLOCK_BITS];
-    return entry < FIRST_SPECIAL ? m_data[entry | (key & IN_BLOCK)]
-                                 : static_cast<char16_t>(key - offset_of(entry));
 }
 
 namespace {
@@ -80,10 +62,11 @@ bool GB18030Decoder::decode_one(DecodeSpan& span, CoderResult& stop) const
     unsigned units = 1;
     char32_t c = *span.in;
     if (size != 1) {
+        const unsigned char* b = span.in;
         const unsigned key =
-            size == 2 ? two_byte_key(span.in[0], span.in[1]) : four_byte_key(span.in);
+            size == 2 ? two_byte_key(b[0], b[1]) : four_byte_key(b[0], b[1], b[2], b[3]);
         if (key < FIRST_SUPPLEMENTARY_KEY) {
-            c = unit_of(key);
+            c = unit_of(m_index, m_data, key);
         } else {
             units = 2;
             c = key - SUPPLEMENTARY_KEY_OFFSET;  // of a key too low: out of range too
@@ -113,9 +96,7 @@ CoderResult GB18030Decoder::decodeLoop(Buffer<const unsigned char>& in,
     DecodeSpan span(in, out);
     const auto one = [&](CoderResult& stop) { return decode_one(span, stop); };
     const auto kernel = table_kernels().of<GB18030Traits>().decode;
-    if (kernel == nullptr)
-        return convert_plainly(span, kernels().decode_ascii, one);
-    return convert_by_kernel(
+    return convert_runs(
         span, [=, this](auto... range) { return kernel(m_index, m_data, range...); },
         one);
 }
@@ -128,34 +109,6 @@ GB18030Encoder::GB18030Encoder(const Charset* charset)
       m_data(tables::gb18030_encode_data)
 {
 }
-
-unsigned GB18030Encoder::key_of(unsigned unit) const
-{
-    const unsigned entry = m_index[unit >> BLOCK_BITS];
-    return entry < FIRST_SPECIAL ? m_data[entry | (unit & IN_BLOCK)]
-                                 : unit + offset_of(entry);
-}
-
-namespace {
-
-// The bytes of a key; size is 2 or 4, as the key's range says.
-void store_key(unsigned char* out, unsigned key, unsigned size) noexcept
-{
-    const auto byte = [](unsigned value) { return static_cast<unsigned char>(value); };
-    if (size == 2) {
-        const unsigned index = key - FIRST_TWO_BYTE_KEY;
-        out[0] = byte(index / TWO_BYTE_ROW + 0x81);
-        out[1] = byte(index % TWO_BYTE_ROW + 0x40);
-        return;
-    }
-    const unsigned index = key - FIRST_FOUR_BYTE_KEY;
-    out[0] = byte(index / 12600 + 0x81);
-    out[1] = byte(index % 12600 / 1260 + 0x30);
-    out[2] = byte(index % 1260 / 10 + 0x81);
-    out[3] = byte(index % 10 + 0x30);
-}
-
-}  // namespace
 
 bool GB18030Encoder::encode_one(EncodeSpan& span, CoderResult& stop) const
 {
@@ -172,7 +125,7 @@ bool GB18030Encoder::encode_one(EncodeSpan& span, CoderResult& stop) const
         key = c + SUPPLEMENTARY_KEY_OFFSET;
         size = 4;
     } else if (key >= 0x80) {
-        key = key_of(key);
+        key = key_of(m_index, m_data, key);
         size = key < FIRST_FOUR_BYTE_KEY ? 2 : 4;
     }
     if (span.out_left() < size) {
@@ -181,8 +134,10 @@ bool GB18030Encoder::encode_one(EncodeSpan& span, CoderResult& stop) const
     }
     if (size == 1)
         *span.out = static_cast<unsigned char>(key);
+    else if (size == 2)
+        store_two_bytes(span.out, key);
     else
-        store_key(span.out, key, size);
+        store_four_bytes(span.out, key);
     span.out += size;
     span.in = next;
     return true;
@@ -194,9 +149,7 @@ CoderResult GB18030Encoder::encodeLoop(Buffer<const char16>& in,
     EncodeSpan span(in, out);
     const auto one = [&](CoderResult& stop) { return encode_one(span, stop); };
     const auto kernel = table_kernels().of<GB18030Traits>().encode;
-    if (kernel == nullptr)
-        return convert_plainly(span, kernels().encode_ascii, one);
-    return convert_by_kernel(
+    return convert_runs(
         span, [=, this](auto... range) { return kernel(m_index, m_data, range...); },
         one);
 }

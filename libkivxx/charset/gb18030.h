@@ -25,7 +25,6 @@ public:
 private:
     CoderResult decodeLoop(Buffer<const unsigned char>& in, Buffer<char16>& out) override;
     bool decode_one(DecodeSpan& span, CoderResult& stop) const;
-    char16_t unit_of(unsigned key) const;
 
     const std::uint16_t* m_index;
     const char16_t* m_data;
@@ -38,7 +37,6 @@ public:
 private:
     CoderResult encodeLoop(Buffer<const char16>& in, Buffer<unsigned char>& out) override;
     bool encode_one(EncodeSpan& span, CoderResult& stop) const;
-    unsigned key_of(unsigned unit) const;
 
     const std::uint16_t* m_index;
     const std::uint16_t* m_data;

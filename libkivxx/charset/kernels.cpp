@@ -19,7 +19,7 @@ const Kernels& kernels() noexcept
 #endif
 }
 
-constinit const TableKernels no_table_kernels = {};
+constinit const TableKernels portable_table_kernels = {};
 
 namespace {
 
@@ -34,7 +34,7 @@ const TableKernels* choose() noexcept
     if (platform::cpu_has_avx2())
         return &avx2_table_kernels;
 #endif
-    return &no_table_kernels;
+    return &portable_table_kernels;
 }
 
 }  // namespace

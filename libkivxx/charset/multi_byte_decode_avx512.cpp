@@ -2,8 +2,8 @@
 //
 // Where sequences start is found for 64 bytes at once; their bytes are then
 // packed apart, and 16 sequences at a time are looked up. That has no branch
-// that depends on the text, where single steps mispredict at every change
-// between ASCII and the rest.
+// per character, where single steps mispredict at every change between ASCII
+// and the rest.
 
 #if defined(__x86_64__)
 
@@ -17,7 +17,6 @@ namespace kiv::avx512 {
 namespace {
 
 constexpr std::size_t LANES = 16;
-constexpr unsigned UNMAPPABLE = 0xDFFF;
 
 // 16 sequences, a byte to a lane; the third and fourth bytes are those of the
 // next sequence. `fours` are the lanes with four bytes.
@@ -53,7 +52,8 @@ struct Form {
                 _mm512_mask_i32gather_epi32(_mm512_setzero_si512(), lanes, at, data, 4);
         else
             characters = gather(data, at, lanes);
-        lanes = _mm512_mask_cmpneq_epu32_mask(lanes, characters, splat32(UNMAPPABLE));
+        lanes = _mm512_mask_cmpneq_epu32_mask(lanes, characters,
+                                              splat32(tables::NO_CHARACTER));
         return characters;
     }
 };
@@ -83,7 +83,7 @@ struct Form<GB18030Traits> {
         const __m512i front = digit_pair(bytes.first, bytes.second);
         const __m512i back = digit_pair(bytes.third, bytes.fourth);
         const __m512i linear =
-            _mm512_add_epi32(_mm512_madd_epi16(front, splat32(1260)), back);
+            _mm512_add_epi32(_mm512_madd_epi16(front, splat32(PAIRS)), back);
         const __m512i keys = _mm512_add_epi32(linear, splat32(FIRST_FOUR_BYTE_KEY));
         const __mmask16 beyond =
             _mm512_mask_cmpge_epu32_mask(fours, keys, splat32(FIRST_SUPPLEMENTARY_KEY));
@@ -102,8 +102,8 @@ struct Form<GB18030Traits> {
 private:
     KIV_AVX512 static __m512i digit_pair(__m512i lead, __m512i digit) noexcept
     {
-        const __m512i row =
-            _mm512_mullo_epi16(_mm512_sub_epi32(lead, splat32(0x81)), splat32(10));
+        const __m512i row = _mm512_mullo_epi16(_mm512_sub_epi32(lead, splat32(0x81)),
+                                               splat32(gb18030::DIGITS));
         return _mm512_add_epi32(row, _mm512_sub_epi32(digit, splat32(0x30)));
     }
 };

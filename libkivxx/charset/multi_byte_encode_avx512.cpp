@@ -32,7 +32,7 @@ struct Form {
         const __m512i at = positions_of<Traits::ENCODE_BLOCK_BITS, Traits::HIGHEST>(
             index, characters, lanes);
         const __m512i codes = gather(data, at, lanes);
-        lanes = _mm512_mask_cmpneq_epu32_mask(lanes, codes, splat32(DBCS_NONE));
+        lanes = _mm512_mask_cmpneq_epu32_mask(lanes, codes, splat32(tables::NO_CODE));
         return codes;
     }
 };
@@ -59,22 +59,26 @@ struct Form<GB18030Traits> {
         if (fours == 0)
             return codes;
         const __m512i linear = _mm512_sub_epi32(keys, splat32(FIRST_FOUR_BYTE_KEY));
-        const __m512i front = quotient<1260>(linear);
-        const __m512i back = remainder<1260>(linear, front);
+        const __m512i front = quotient<PAIRS>(linear);
+        const __m512i back = remainder<PAIRS>(linear, front);
         const __m512i numbers = _mm512_or_si512(
-            _mm512_slli_epi32(joined<10>(front, 8), 16), joined<10>(back, 8));
+            _mm512_slli_epi32(joined<DIGITS>(front, 8), 16), joined<DIGITS>(back, 8));
         return _mm512_mask_add_epi32(codes, fours, numbers, splat32(0x81308130));
     }
 
 private:
-    // Exact for linear indices: quotients stay a part in 2N or more away from whole
-    // numbers, and single precision errs by less up to 2^20 / N.
+    // Exact for linear indices: quotients stay 1 / 2N or more away from whole numbers,
+    // and single precision, within 2^-23 of the quotient, errs by less up to 2^22 / N.
+    // Rounding mode and exception flags of the caller are left alone.
     template <unsigned N>
     KIV_AVX512 static __m512i quotient(__m512i numbers) noexcept
     {
         const __m512 middle =
             _mm512_add_ps(_mm512_cvtepi32_ps(numbers), _mm512_set1_ps(0.5F));
-        return _mm512_cvttps_epi32(_mm512_mul_ps(middle, _mm512_set1_ps(1.0F / N)));
+        const __m512 product =
+            _mm512_mul_round_ps(middle, _mm512_set1_ps(1.0F / N),
+                                _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC);
+        return _mm512_cvtt_roundps_epi32(product, _MM_FROUND_NO_EXC);
     }
     template <unsigned N>
     KIV_AVX512 static __m512i remainder(__m512i numbers, __m512i quotients) noexcept

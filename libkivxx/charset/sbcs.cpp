@@ -8,34 +8,33 @@ namespace kiv {
 
 namespace {
 
-// How many characters the plain loops look up before they try for a run of
-// ASCII again: often enough to find one, seldom enough to pay in other text.
+constexpr int NO_BYTE = -1;
+
+// The plain loops look up this many characters before they try for a run of ASCII
+// again: often enough to find one, seldom enough to pay in other text.
 constexpr std::size_t PLAIN_RUN = 16;
 
-template <class Span>
-std::size_t plain_run(const Span& span) noexcept
+// Runs the kernel for ASCII and look_up(in, out), which is false where it stops, by
+// turns, until that stops or an end is reached.
+template <class Span, class Kernel, class LookUp>
+void convert_plainly(Span& span, Kernel ascii, LookUp look_up)
 {
-    return std::min({span.in_left(), span.out_left(), PLAIN_RUN});
-}
-
-constexpr int NO_BYTE = -1;
-constexpr unsigned NO_BLOCK = 0xFFFF;
-
-// byte_of: the byte of a unit, or NO_BYTE. Stops at a unit without a byte, at a
-// full output or at the end.
-template <class ByteOf>
-void encode_plain(EncodeSpan& span, ByteOf byte_of)
-{
-    while (span.in_left() != 0 && span.out_left() != 0) {
-        span.run(kernels().encode_ascii);
-        for (std::size_t n = plain_run(span); n != 0; --n) {
-            const int byte = byte_of(static_cast<char16_t>(*span.in));
-            if (byte == NO_BYTE)
-                return;
-            *span.out++ = static_cast<unsigned char>(byte);
-            ++span.in;
+    auto in = span.in;
+    auto out = span.out;
+    bool goes_on = true;
+    while (goes_on && in != span.in_end && out != span.out_end) {
+        const auto progress = ascii(in, span.in_end, out, span.out_end);
+        in = progress.in;
+        out = progress.out;
+        std::size_t n = common_size(in, span.in_end, out, span.out_end);
+        for (n = std::min(n, PLAIN_RUN); n != 0 && goes_on; --n) {
+            goes_on = look_up(*in, *out);
+            in += goes_on;
+            out += goes_on;
         }
     }
+    span.in = in;
+    span.out = out;
 }
 
 void encode_fast(EncodeSpan& span, const unsigned char* pages)
@@ -57,16 +56,15 @@ void SBCSDecoder<COMPLETE>::decode_plain(DecodeSpan& span) const
         span.out += n;
         return;
     }
-    while (span.in_left() != 0 && span.out_left() != 0) {
-        span.run(kernels().decode_ascii);
-        for (std::size_t n = plain_run(span); n != 0; --n) {
-            const char16_t unit = m_table[*span.in];
-            if (unit == UNMAPPABLE)
-                return;
-            *span.out++ = unit;
-            ++span.in;
-        }
-    }
+    const char16_t* const table = m_table;
+    convert_plainly(span, kernels().decode_ascii,
+                    [table](unsigned char byte, char16& unit) {
+                        const char16_t found = table[byte];
+                        if (found == UNMAPPABLE)
+                            return false;
+                        unit = found;
+                        return true;
+                    });
 }
 
 template <bool COMPLETE>
@@ -88,7 +86,13 @@ template <class ByteOf>
 CoderResult SBCSEncoderBase::encode(EncodeSpan span, ByteOf byte_of)
 {
     encode_fast(span, m_pages);
-    encode_plain(span, byte_of);
+    convert_plainly(span, kernels().encode_ascii, [&](char16 unit, unsigned char& byte) {
+        const int found = byte_of(static_cast<char16_t>(unit));
+        if (found == NO_BYTE)
+            return false;
+        byte = static_cast<unsigned char>(found);
+        return true;
+    });
     if (span.in == span.in_end)
         return span.finish(CoderResult::underflow());
     if (byte_of(static_cast<char16_t>(*span.in)) == NO_BYTE)
@@ -99,7 +103,9 @@ CoderResult SBCSEncoderBase::encode(EncodeSpan span, ByteOf byte_of)
 CoderResult SBCSEncoder::encodeLoop(Buffer<const char16>& in, Buffer<unsigned char>& out)
 {
     return encode(EncodeSpan(in, out),
-                  [this](unsigned u) { return u <= m_highest ? m_table[u] : NO_BYTE; });
+                  [highest = m_highest, table = m_table](unsigned u) {
+                      return u <= highest ? table[u] : NO_BYTE;
+                  });
 }
 
 template <unsigned N>
@@ -107,12 +113,14 @@ CoderResult SBCSSparseEncoder<N>::encodeLoop(Buffer<const char16>& in,
                                              Buffer<unsigned char>& out)
 {
     constexpr unsigned in_block = (1U << N) - 1;
-    return encode(EncodeSpan(in, out), [this](unsigned u) -> int {
-        if (u > m_highest)
+    const auto byte_of = [highest = m_highest, index = m_index,
+                          data = m_data](unsigned u) -> int {
+        if (u > highest)
             return NO_BYTE;
-        const unsigned block = m_index[u >> N];
-        return block == NO_BLOCK ? NO_BYTE : m_data[block | (u & in_block)];
-    });
+        const unsigned block = index[u >> N];
+        return block == tables::NO_BLOCK ? NO_BYTE : data[block | (u & in_block)];
+    };
+    return encode(EncodeSpan(in, out), byte_of);
 }
 
 template class SBCSDecoder<false>;

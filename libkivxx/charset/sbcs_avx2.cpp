@@ -73,15 +73,15 @@ struct UpperHalf {
     __m256i high[ROWS];
 };
 
-// 32 bytes to 32 units; returns how many come before one without a character.
+// 32 bytes to 32 units, if all have a character. Returns whether;
+// if not, nothing is written and the plain loop takes over.
 template <bool COMPLETE>
-KIV_AVX2 inline std::size_t decode_step(const UpperHalf& table, const unsigned char* in,
-                                        char16* out) noexcept
+KIV_AVX2 inline bool decode_step(const UpperHalf& table, const unsigned char* in,
+                                 char16* out) noexcept
 {
     const __m256i bytes = load(in);
     __m256i low = bytes;
     __m256i high = _mm256_setzero_si256();
-    std::size_t n = STEP;
     if (top_bits(bytes) != 0) {
         const __m256i indices = _mm256_xor_si256(bytes, splat8(0x80));
         low = _mm256_andnot_si256(_mm256_cmpgt_epi8(high, bytes), bytes);
@@ -91,17 +91,17 @@ KIV_AVX2 inline std::size_t decode_step(const UpperHalf& table, const unsigned c
             high = _mm256_or_si256(high, _mm256_shuffle_epi8(table.high[row], places));
         }
         if constexpr (!COMPLETE) {
-            const std::uint32_t none = top_bits(_mm256_and_si256(
-                _mm256_cmpeq_epi8(low, splat8(tables::NO_CHARACTER & 0xFF)),
-                _mm256_cmpeq_epi8(high, splat8(tables::NO_CHARACTER >> 8))));
-            n = static_cast<std::size_t>(std::countr_zero(none));
+            if (top_bits(_mm256_and_si256(
+                    _mm256_cmpeq_epi8(low, splat8(tables::NO_CHARACTER & 0xFF)),
+                    _mm256_cmpeq_epi8(high, splat8(tables::NO_CHARACTER >> 8)))) != 0)
+                return false;
         }
     }
     const __m256i a = _mm256_unpacklo_epi8(low, high);
     const __m256i b = _mm256_unpackhi_epi8(low, high);
     store(out, _mm256_permute2x128_si256(a, b, 0x20));
     store(out + STEP / 2, _mm256_permute2x128_si256(a, b, 0x31));
-    return n;
+    return true;
 }
 
 template <bool COMPLETE>
@@ -109,24 +109,21 @@ KIV_AVX2 DecodeProgress decode(const char16_t* table, const unsigned char* in,
                                const unsigned char* in_end, char16* out, char16* out_end)
 {
     const std::size_t n = common_size(in, in_end, out, out_end);
-    if (n < STEP)
+    if (n < STEP || (!COMPLETE && table[*in] == tables::NO_CHARACTER))
         return {in, out};
     const UpperHalf upper_half(table);
     std::size_t i = 0;
-    for (; n - i >= STEP; i += STEP) {
-        const std::size_t done = decode_step<COMPLETE>(upper_half, in + i, out + i);
-        if (done < STEP)
-            return {in + i + done, out + i + done};
-    }
+    while (n - i >= STEP && decode_step<COMPLETE>(upper_half, in + i, out + i))
+        i += STEP;
     return {in + i, out + i};
 }
 
 // --- Encoding ---------------------------------------------------------------------
 
 // 32 units to bytes. Most texts use one or two pages beside ASCII, which are looked up
-// one after the other. Returns how many units come before one without a byte.
-KIV_AVX2 inline std::size_t encode_step(const unsigned char* pages, const char16* in,
-                                        unsigned char* out) noexcept
+// one after the other. Returns whether all have a byte; if not, nothing is written.
+KIV_AVX2 inline bool encode_step(const unsigned char* pages, const char16* in,
+                                 unsigned char* out) noexcept
 {
     const __m256i a = load(in);
     const __m256i b = load(in + STEP / 2);
@@ -157,9 +154,11 @@ KIV_AVX2 inline std::size_t encode_step(const unsigned char* pages, const char16
                 _mm256_or_si256(bytes, _mm256_shuffle_epi8(values, in_row(indices, row)));
         }
     }
-    store(out, bytes);
     const std::uint32_t none = top_bits(_mm256_cmpeq_epi8(bytes, _mm256_setzero_si256()));
-    return static_cast<std::size_t>(std::countr_zero((none & not_ascii) | beyond));
+    if (((none & not_ascii) | beyond) != 0)
+        return false;
+    store(out, bytes);
+    return true;
 }
 
 KIV_AVX2 EncodeProgress encode(const unsigned char* pages, const char16* in,
@@ -168,11 +167,8 @@ KIV_AVX2 EncodeProgress encode(const unsigned char* pages, const char16* in,
 {
     const std::size_t n = common_size(in, in_end, out, out_end);
     std::size_t i = 0;
-    for (; n - i >= STEP; i += STEP) {
-        const std::size_t done = encode_step(pages, in + i, out + i);
-        if (done < STEP)
-            return {in + i + done, out + i + done};
-    }
+    while (n - i >= STEP && encode_step(pages, in + i, out + i))
+        i += STEP;
     return {in + i, out + i};
 }
 

@@ -57,6 +57,8 @@ KIV_AVX512 DecodeProgress decode(const char16_t* table, const unsigned char* in,
                                  const unsigned char* in_end, char16* out,
                                  char16* out_end) noexcept
 {
+    if (!COMPLETE && in != in_end && table[*in] == tables::NO_CHARACTER)
+        return {in, out};
     const UpperHalf upper_half(table);
     const std::size_t n = common_size(in, in_end, out, out_end);
     std::size_t i = 0;
@@ -116,9 +118,12 @@ EncodeProgress encode_sbcs(const unsigned char* pages, const char16* in,
     for (std::size_t i = 0; i < n;) {
         std::size_t size = std::min(n - i, VECTOR_BYTES);
         const __m512i a = _mm512_maskz_loadu_epi16(low_bits32(size), in + i);
-        const __m512i b = _mm512_maskz_loadu_epi16(
-            static_cast<__mmask32>(low_bits(size) >> VECTOR_UNITS),
-            in + i + VECTOR_UNITS);
+        const __m512i b =
+            size <= VECTOR_UNITS
+                ? _mm512_setzero_si512()
+                : _mm512_maskz_loadu_epi16(
+                      static_cast<__mmask32>(low_bits(size) >> VECTOR_UNITS),
+                      in + i + VECTOR_UNITS);
         __m512i bytes = low_bytes(a, b);
         const __m512i page_of_unit =
             low_bytes(_mm512_srli_epi16(a, 7), _mm512_srli_epi16(b, 7));

@@ -1,8 +1,8 @@
 // charset/table_kernels.h - the inner loops that need a charset's tables.
 //
-// The contract is that of the kernels in kernels.h. Every coder has a plain loop
-// of its own, which is the reference and complete; a kernel that is null is not
-// there for the machine's instructions.
+// The contract is that of the kernels in kernels.h. The portable ones are the
+// reference, plain loops (multi_byte_portable.cpp). Coders of single-byte charsets have
+// plain loops of their own, to which a kernel that is null leaves all.
 
 #ifndef KIV_CHARSET_TABLE_KERNELS_H
 #define KIV_CHARSET_TABLE_KERNELS_H
@@ -27,45 +27,54 @@ using SbcsEncodeKernel = EncodeProgress (*)(const unsigned char* pages, const ch
                                             const char16* in_end, unsigned char* out,
                                             unsigned char* out_end);
 
-// index, data: the tables of the direction. Both may stop at what is not a
-// single code unit.
-template <class Traits>
-struct DbcsKernels {
-    DecodeProgress (*decode)(const std::uint16_t* index,
-                             const typename Traits::DecodeEntry* data,
-                             const unsigned char* in, const unsigned char* in_end,
-                             char16* out, char16* out_end) = nullptr;
-    EncodeProgress (*encode)(const std::uint16_t* index, const std::uint16_t* data,
-                             const char16* in, const char16* in_end, unsigned char* out,
-                             unsigned char* out_end) = nullptr;
-};
-
-// For GB 18030: stop at what takes four bytes.
+// Stands for GB 18030 where a charset's traits are wanted.
 struct GB18030Traits {
     using DecodeEntry = char16_t;
+};
+
+// index, data: the tables of the direction. They may stop at what is rare: what is not
+// a single code unit or has four bytes.
+namespace portable {
+template <class Traits>
+DecodeProgress decode_multi_byte(const std::uint16_t* index,
+                                 const typename Traits::DecodeEntry* data,
+                                 const unsigned char* in, const unsigned char* in_end,
+                                 char16* out, char16* out_end);
+template <class Traits>
+EncodeProgress encode_multi_byte(const std::uint16_t* index, const std::uint16_t* data,
+                                 const char16* in, const char16* in_end,
+                                 unsigned char* out, unsigned char* out_end);
+}  // namespace portable
+
+template <class Traits>
+struct MultiByteKernels {
+    decltype(&portable::decode_multi_byte<Traits>) decode =
+        portable::decode_multi_byte<Traits>;
+    decltype(&portable::encode_multi_byte<Traits>) encode =
+        portable::encode_multi_byte<Traits>;
 };
 
 struct TableKernels {
     SbcsDecodeKernel decode_sbcs_complete = nullptr;
     SbcsDecodeKernel decode_sbcs = nullptr;
     SbcsEncodeKernel encode_sbcs = nullptr;
-    std::tuple<DbcsKernels<Micsft_932_Traits>, DbcsKernels<Shift_JIS_Traits>,
-               DbcsKernels<Micsft_936_Traits>, DbcsKernels<GBK_Traits>,
-               DbcsKernels<Micsft_949_Traits>, DbcsKernels<Micsft_950_Traits>,
-               DbcsKernels<Big5_Traits>, DbcsKernels<Big5_HKSCS_Traits>,
-               DbcsKernels<GB18030Traits>>
+    std::tuple<MultiByteKernels<Micsft_932_Traits>, MultiByteKernels<Shift_JIS_Traits>,
+               MultiByteKernels<Micsft_936_Traits>, MultiByteKernels<GBK_Traits>,
+               MultiByteKernels<Micsft_949_Traits>, MultiByteKernels<Micsft_950_Traits>,
+               MultiByteKernels<Big5_Traits>, MultiByteKernels<Big5_HKSCS_Traits>,
+               MultiByteKernels<GB18030Traits>>
         multi_byte;
 
     template <class Traits>
-    const DbcsKernels<Traits>& of() const noexcept
+    const MultiByteKernels<Traits>& of() const noexcept
     {
-        return std::get<DbcsKernels<Traits>>(multi_byte);
+        return std::get<MultiByteKernels<Traits>>(multi_byte);
     }
 };
 
-extern const TableKernels no_table_kernels;
+extern const TableKernels portable_table_kernels;
 #if defined(__x86_64__)
-// For machines that have the instructions. AVX2: single-byte charsets only.
+// For machines that have the instructions. AVX2 has kernels for single-byte charsets.
 extern const TableKernels avx2_table_kernels;
 extern const TableKernels avx512_table_kernels;
 #endif

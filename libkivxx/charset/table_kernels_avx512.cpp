@@ -9,8 +9,8 @@ namespace kiv {
 namespace {
 
 template <class Traits>
-constexpr DbcsKernels<Traits> KERNELS = {avx512::decode_multi_byte<Traits>,
-                                         avx512::encode_multi_byte<Traits>};
+constexpr MultiByteKernels<Traits> KERNELS = {avx512::decode_multi_byte<Traits>,
+                                              avx512::encode_multi_byte<Traits>};
 
 }  // namespace
 

@@ -4,8 +4,8 @@
 // it. The check feeds the input whole, cut in two at every place and unit by
 // unit, into outputs of every size from 0 up, after paddings of ASCII that
 // move it across the alignments of wide loops, repeated, and under every error
-// action. Input and output are arrays of their exact size, so that the address
-// sanitizer sees any step outside them.
+// action. Input and output are arrays of their exact size at the edges of
+// inaccessible memory; of the output, what lies behind the position stays as it was.
 
 #ifndef SUPPORT_CODER_CHECK_H
 #define SUPPORT_CODER_CHECK_H

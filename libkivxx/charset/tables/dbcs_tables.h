@@ -18,6 +18,8 @@
 
 #include <cstdint>
 
+#include "charset/tables/no_entry.h"
+
 namespace kiv::tables {
 
 template <class DecodeEntry>  // char16_t, or char32_t if some lie above U+FFFF

@@ -19,16 +19,17 @@
 
 #include <cstdint>
 
+#include "charset/tables/no_entry.h"
+
 namespace kiv::tables {
 
-constexpr char16_t NO_CHARACTER = 0xDFFF;
 constexpr unsigned PAGE_SIZE = 128;
 constexpr unsigned PAGED_UNITS = 128 * PAGE_SIZE;
 
 struct SbcsTables {
-    const char16_t* decode;       // 256 entries
-    std::uint32_t highest;        // the highest mapped code unit
-    const std::uint16_t* index;   // (highest >> N) + 1 entries, or null
+    const char16_t* decode;      // 256 entries
+    std::uint32_t highest;       // the highest mapped code unit
+    const std::uint16_t* index;  // (highest >> N) + 1 entries, or null
     const std::int16_t* encode;
     const unsigned char* pages;
 };

@@ -1,7 +1,7 @@
 // The allocation functions of the test program: they count, and fail when told to.
 
-#ifndef KIV_TESTS_CHARSET_FAILING_NEW_H
-#define KIV_TESTS_CHARSET_FAILING_NEW_H
+#ifndef KIV_TESTS_SUPPORT_FAILING_NEW_H
+#define KIV_TESTS_SUPPORT_FAILING_NEW_H
 
 #include <atomic>
 

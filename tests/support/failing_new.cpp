@@ -1,6 +1,6 @@
 // A translation unit of its own keeps compilers from pairing malloc with delete.
 
-#include "charset/failing_new.h"
+#include "support/failing_new.h"
 
 #include <cstdlib>
 #include <new>
@@ -41,6 +41,23 @@ void operator delete(void* p) noexcept
 }
 
 void operator delete(void* p, std::size_t) noexcept
+{
+    operator delete(p);
+}
+
+// By default these call the ones above, but not under every sanitizer.
+
+void* operator new[](std::size_t size)
+{
+    return operator new(size);
+}
+
+void operator delete[](void* p) noexcept
+{
+    operator delete(p);
+}
+
+void operator delete[](void* p, std::size_t) noexcept
 {
     operator delete(p);
 }
