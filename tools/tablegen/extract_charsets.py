@@ -271,6 +271,9 @@ BIG5_HKSCS_DELTAS = BIG5_DELTAS + [
     delta("FEFE <- 2FFFD", "one-way: the end of plane 2; in the charset, not in a source"),
 ]
 
+# Codes of the charmap that stand for two characters.
+COMBINING = {"8862": "00CA 0304", "8864": "00CA 030C", "88A3": "00EA 0304", "88A5": "00EA 030C"}
+
 
 def perl_charset(name, encoding, deltas):
     base, best_fit = read_perl(encoding)
@@ -307,13 +310,14 @@ def big5_hkscs_charset(code_page_950):
                f"the encode-only lines: the characters of {PERL} cp950."]
     notes = [
         "A character that both sources have is encoded as the charmap's code.",
-        "The codes 8862, 8864, 88A3 and 88A5 are undefined: a letter with a combining mark.",
+        *(f"Left out: {code} <-> {sequence}, two characters: a letter and a combining mark."
+          for code, sequence in COMBINING.items()),
         "The encode-only lines are the private-use characters that code page 950 has at these "
         "codes, as earlier versions of the character set did.",
     ]
     licences = [PYTHON_LICENCE, GLIBC_LICENCE, PERL_LICENCE]
     charset = make_charset("Big5-HKSCS", sources, licences, base, BIG5_HKSCS_DELTAS, notes)
-    require(sorted(combining) == [bytes.fromhex(code) for code in "8862 8864 88A3 88A5".split()],
+    require(sorted(combining) == [bytes.fromhex(code) for code in COMBINING],
             "the charmap's combining codes")
     return charset
 
