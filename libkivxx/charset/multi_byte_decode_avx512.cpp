@@ -295,12 +295,14 @@ KIV_AVX512 inline std::size_t store_utf16(__m512i characters, __mmask16 lanes,
 }
 
 // Decodes n sequences that are ready; returns how many came before one without
-// a character or without room.
+// a character or without room. Text in which some have two units is `uneven` and
+// stays so: to decide anew each time would be mispredicted.
 template <class F, class Entry>
 KIV_AVX512 inline std::size_t decode_sequences(const Sequences<F>& s, std::size_t n,
                                                const std::uint16_t* index,
                                                const Entry* data, char16*& out,
-                                               const char16* out_end) noexcept
+                                               const char16* out_end,
+                                               bool& uneven) noexcept
 {
     for (std::size_t i = 0; i < n; i += LANES) {
         std::size_t lanes = std::min(n - i, LANES);
@@ -317,7 +319,9 @@ KIV_AVX512 inline std::size_t decode_sequences(const Sequences<F>& s, std::size_
         const auto set = static_cast<__mmask16>(all & ~s.second_halves(i));
         const auto room = static_cast<std::size_t>(out_end - out);
         // Without supplementary characters there is a unit of room for each lane.
-        if (F::SUPPLEMENTARY && (set != all || room < lanes || has_pairs(characters))) {
+        if (F::SUPPLEMENTARY &&
+            (uneven || set != all || room < lanes || has_pairs(characters))) {
+            uneven = true;
             const std::size_t done = store_utf16(characters, set, lanes, out, room);
             stops = stops || done < lanes;
             lanes = done;
@@ -339,6 +343,7 @@ DecodeProgress decode_multi_byte(const std::uint16_t* index,
                                  const unsigned char* in, const unsigned char* in_end,
                                  char16* out, char16* out_end)
 {
+    bool uneven = false;
     while (in != in_end && out != out_end) {
         const auto size = std::min(static_cast<std::size_t>(in_end - in), VECTOR_BYTES);
         const auto room = static_cast<std::size_t>(out_end - out);
@@ -351,7 +356,7 @@ DecodeProgress decode_multi_byte(const std::uint16_t* index,
         }
         const std::size_t n = sequences.pack(room);
         const std::size_t done =
-            decode_sequences(sequences, n, index, data, out, out_end);
+            decode_sequences(sequences, n, index, data, out, out_end, uneven);
         in += sequences.size_of(done);
         if (done == 0 || done < n)
             break;
