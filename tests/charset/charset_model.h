@@ -13,6 +13,16 @@
 
 namespace model {
 
+// The charsets with tables, the single-byte ones first.
+inline constexpr const char* NAMES[] = {
+    "ISO-8859-2",    "ISO-8859-3",    "ISO-8859-4",   "ISO-8859-5",   "ISO-8859-6",
+    "ISO-8859-7",    "ISO-8859-8",    "ISO-8859-9",   "ISO-8859-10",  "x-iso-8859-11",
+    "ISO-8859-13",   "ISO-8859-14",   "ISO-8859-15",  "ISO-8859-16",  "windows-1250",
+    "windows-1251",  "windows-1252",  "windows-1253", "windows-1254", "windows-1255",
+    "windows-1256",  "windows-1257",  "windows-1258", "windows-874",  "KOI8-R",
+    "KOI8-U",        "Windows-31J",   "Shift_JIS",    "x-mswin-936",  "GBK",
+    "x-windows-949", "x-windows-950", "Big5",         "Big5-HKSCS",   "GB18030"};
+
 // Which bytes make up a sequence.
 enum class Form { SINGLE_BYTE, SHIFT_JIS, DOUBLE_BYTE, BIG5_HKSCS, GB18030 };
 

@@ -21,8 +21,7 @@ namespace {
 using support::DecodeItems;
 using support::EncodeItems;
 
-// --- Model
-// ----------------------------------------------------------------------------
+// --- Model -----------------------------------------------------------------------
 
 // A kernel stops before the first item without output: a fault, or what it
 // leaves to the slow path.
@@ -102,8 +101,7 @@ constexpr Codec codecs[] = {
      encode_utf16<true>, utf16_bytes<true>},
 };
 
-// --- The check
-// ------------------------------------------------------------------------
+// --- The check -------------------------------------------------------------------
 
 // The kernels end with the plain loop, so that none stops early.
 template <class Progress, class In, class Out, class Text, class Items>
@@ -132,8 +130,7 @@ void check(Progress (*kernel)(const In*, const In*, Out*, Out*), const Text& tex
     ASSERT_EQ(progress.out, target + written);
 }
 
-// --- Texts
-// ----------------------------------------------------------------------------
+// --- Texts -----------------------------------------------------------------------
 
 // Forms of UTF-8 by their sizes, and what is common in messages.
 struct Range {
@@ -187,8 +184,7 @@ std::u16string make_text(const Mix& mix, std::size_t size, Random& random)
     return text;
 }
 
-// --- Tests
-// ----------------------------------------------------------------------------
+// --- Tests -----------------------------------------------------------------------
 
 constexpr const kiv::Kernels* sets[] = {
     &kiv::portable_kernels,

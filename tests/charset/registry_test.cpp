@@ -174,7 +174,13 @@ TEST(CharsetRegistry, AvailableAreTheBuiltInInTheOrderOfTheirKeys)
     for (const Charset* charset : AT_START)
         names += narrow(charset->name()) + ' ';
     EXPECT_EQ(names,
-              "Big5 Big5-HKSCS CESU-8 ");
+              "Big5 Big5-HKSCS CESU-8 GB18030 GBK ISO-8859-1 ISO-8859-10 ISO-8859-13 "
+              "ISO-8859-14 ISO-8859-15 ISO-8859-16 ISO-8859-2 ISO-8859-3 ISO-8859-4 "
+              "ISO-8859-5 ISO-8859-6 ISO-8859-7 ISO-8859-8 ISO-8859-9 KOI8-R KOI8-U "
+              "Shift_JIS US-ASCII UTF-16BE UTF-16LE UTF-8 windows-1250 windows-1251 "
+              "windows-1252 windows-1253 windows-1254 windows-1255 windows-1256 "
+              "windows-1257 windows-1258 Windows-31J windows-874 x-iso-8859-11 "
+              "x-mswin-936 x-windows-949 x-windows-950 ");
 }
 
 TEST(CharsetRegistry, BuiltInCharsets)

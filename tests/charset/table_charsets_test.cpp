@@ -32,15 +32,6 @@ using support::EncodeItem;
 using support::EncodeItems;
 using Random = std::mt19937;
 
-const char* const NAMES[] = {
-    "ISO-8859-2",    "ISO-8859-3",    "ISO-8859-4",   "ISO-8859-5",   "ISO-8859-6",
-    "ISO-8859-7",    "ISO-8859-8",    "ISO-8859-9",   "ISO-8859-10",  "x-iso-8859-11",
-    "ISO-8859-13",   "ISO-8859-14",   "ISO-8859-15",  "ISO-8859-16",  "windows-1250",
-    "windows-1251",  "windows-1252",  "windows-1253", "windows-1254", "windows-1255",
-    "windows-1256",  "windows-1257",  "windows-1258", "windows-874",  "KOI8-R",
-    "KOI8-U",        "Windows-31J",   "Shift_JIS",    "x-mswin-936",  "GBK",
-    "x-windows-949", "x-windows-950", "Big5",         "Big5-HKSCS",   "GB18030"};
-
 // --- The check --------------------------------------------------------------------
 
 template <class Item>
@@ -143,7 +134,7 @@ protected:
     TableCharset()
     {
 #if defined(__x86_64__)
-        if (model.form() != Form::SINGLE_BYTE)  // has only kernels for these
+        if (model.form() != Form::SINGLE_BYTE)  // for which AVX2 has no kernels
             std::erase(kernels, &kiv::avx2_table_kernels);
 #endif
     }
@@ -402,7 +393,7 @@ std::string test_name(const testing::TestParamInfo<const char*>& name)
     return identifier;
 }
 
-INSTANTIATE_TEST_SUITE_P(All, TableCharset, testing::ValuesIn(NAMES), test_name);
+INSTANTIATE_TEST_SUITE_P(All, TableCharset, testing::ValuesIn(model::NAMES), test_name);
 INSTANTIATE_TEST_SUITE_P(All, Gb18030, testing::Values("GB18030"), test_name);
 
 }  // namespace

@@ -5,7 +5,7 @@
 // unit, into outputs of every size from 0 up, after paddings of ASCII that
 // move it across the alignments of wide loops, repeated, and under every error
 // action. Input and output are arrays of their exact size at the edges of
-// inaccessible memory; of the output, what lies behind the position stays as it was.
+// inaccessible memory.
 
 #ifndef SUPPORT_CODER_CHECK_H
 #define SUPPORT_CODER_CHECK_H

@@ -1,4 +1,4 @@
-// support/guarded_array.h - arrays at the edge of inaccessible memory, so that a step
+// support/guarded_array.h - arrays at the edges of inaccessible memory, so that a step
 // outside crashes in every build. Sanitizers miss the masked loads and gathers of
 // wide kernels.
 
@@ -6,7 +6,6 @@
 #define SUPPORT_GUARDED_ARRAY_H
 
 #include <sys/mman.h>
-#include <unistd.h>
 
 #include <cstddef>
 #include <cstring>
@@ -17,26 +16,26 @@ namespace support {
 // The array begins right behind an inaccessible page or ends right before one.
 enum class Edge { START, END };
 
-// One array at a time. The memory is kept for the next one: to map it takes long.
+// One array at a time, in memory that is mapped once: to map it takes long.
 template <class T>
 class GuardedArray {
 public:
-    GuardedArray() { map(1); }
-    ~GuardedArray() { unmap(); }
+    GuardedArray()
+    {
+        if (m_all == MAP_FAILED || mprotect(begin(), SIZE, PROT_READ | PROT_WRITE) != 0)
+            throw std::bad_alloc();
+    }
+    ~GuardedArray() { munmap(m_all, SIZE + 2 * GUARD); }
     GuardedArray(const GuardedArray&) = delete;
-    GuardedArray& operator=(const GuardedArray&) = delete;
 
     // n elements of a pattern, in the place of those before.
     T* make(std::size_t n, Edge edge)
     {
         const std::size_t size = n * sizeof(T);
-        if (size > m_size) {
-            unmap();
-            map(size);
-        }
-        char* const first = m_memory + (edge == Edge::END ? m_size - size : 0);
-        std::memset(first, PATTERN, size);
-        return reinterpret_cast<T*>(first);
+        if (size > SIZE)
+            throw std::bad_alloc();
+        void* const first = begin() + (edge == Edge::END ? SIZE - size : 0);
+        return static_cast<T*>(std::memset(first, PATTERN, size));
     }
 
     // Whether these elements still have the pattern.
@@ -49,23 +48,12 @@ public:
 
 private:
     static constexpr unsigned char PATTERN = 0xA5;
-    const std::size_t m_page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    static constexpr std::size_t SIZE = 1 << 20, GUARD = 1 << 16;  // whole pages
 
-    void map(std::size_t size)
-    {
-        m_size = (size + m_page - 1) / m_page * m_page;
-        void* const all = mmap(nullptr, m_size + 2 * m_page, PROT_NONE,
-                               MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-        if (all == MAP_FAILED)
-            throw std::bad_alloc();
-        m_memory = static_cast<char*>(all) + m_page;
-        if (mprotect(m_memory, m_size, PROT_READ | PROT_WRITE) != 0)
-            throw std::bad_alloc();
-    }
-    void unmap() { munmap(m_memory - m_page, m_size + 2 * m_page); }
+    char* begin() { return static_cast<char*>(m_all) + GUARD; }
 
-    char* m_memory;
-    std::size_t m_size;
+    void* const m_all =
+        mmap(nullptr, SIZE + 2 * GUARD, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
 };
 
 }  // namespace support
