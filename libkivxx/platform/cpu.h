@@ -13,6 +13,9 @@ bool cpu_has_avx512_vbmi2() noexcept;
 
 bool cpu_has_avx2() noexcept;
 
+// MULX of BMI2, and ADX.
+bool cpu_has_adx() noexcept;
+
 }  // namespace kiv::platform
 
 #endif

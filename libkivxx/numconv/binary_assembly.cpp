@@ -1,0 +1,237 @@
+#include "numconv/binary_assembly.h"
+
+#include <bit>
+#include <cfloat>
+#include <cstddef>
+#include <limits>
+#include <type_traits>
+
+#include <kiv/numconv.h>
+
+#include "numconv/scaling.h"
+
+namespace kiv::numconv {
+namespace {
+
+template <class Float>
+struct BinaryFormat {
+    using Limits = std::numeric_limits<Float>;
+    static_assert(Limits::is_iec559 && sizeof(Float) <= 8);
+    using Bits = std::conditional_t<sizeof(Float) == 4, std::uint32_t, std::uint64_t>;
+
+    static constexpr int PRECISION = Limits::digits;  // with the implicit bit
+    // Of the leading bit, while it is implicit.
+    static constexpr int MAX_EXPONENT = Limits::max_exponent - 1;
+    static constexpr int MIN_EXPONENT = Limits::min_exponent - 1;
+    // Values from 10^(MAX_LOG10 + 1) on are above the largest finite value, values
+    // below 10^MIN_LOG10 are below half of the smallest subnormal one.
+    static constexpr int MAX_LOG10 = Limits::max_exponent10;
+    static constexpr int MIN_LOG10 = sizeof(Float) == 4 ? -46 : -324;
+    // 10^n is exact as long as 5^n fits in the significand.
+    static constexpr std::size_t EXACT_POWERS = sizeof(Float) == 4 ? 11 : 23;
+
+    static constexpr Bits bits(bool negative, int biased_exponent, std::uint64_t fraction)
+    {
+        return Bits{negative} << (sizeof(Bits) * 8 - 1) |
+               static_cast<Bits>(static_cast<Bits>(biased_exponent) << (PRECISION - 1)) |
+               static_cast<Bits>(fraction);
+    }
+};
+
+template <class Float>
+constexpr Float signed_zero(bool negative)
+{
+    return negative ? Float{-0.0} : Float{0};
+}
+
+template <class Float>
+constexpr Float signed_infinity(bool negative)
+{
+    constexpr Float INFINITE = std::numeric_limits<Float>::infinity();
+    return negative ? -INFINITE : INFINITE;
+}
+
+template <class Float>
+struct PowersOfTen {
+    Float values[BinaryFormat<Float>::EXACT_POWERS];
+
+    constexpr PowersOfTen() : values()
+    {
+        Float power = 1;
+        for (Float& value : values) {
+            value = power;
+            power *= 10;
+        }
+    }
+};
+
+template <class Float>
+constexpr PowersOfTen<Float> POWERS_OF_TEN;
+
+static_assert(POWERS_OF_TEN<float>.values[10] == 1e10F);
+static_assert(POWERS_OF_TEN<double>.values[22] == 1e22);
+
+// Rounds once: subnormal values too go from all bits straight to those that stay.
+template <class Float>
+Float assemble(bool negative, std::int64_t exponent, std::uint64_t coefficient,
+               unsigned dropped)
+{
+    using Format = BinaryFormat<Float>;
+    using Bits = typename Format::Bits;
+    if (coefficient == 0)
+        return signed_zero<Float>(negative);
+
+    const int length = 64 - std::countl_zero(coefficient);
+    const std::int64_t leading = exponent + length - 1;  // exponent of the leading bit
+    if (leading > Format::MAX_EXPONENT)
+        return signed_infinity<Float>(negative);
+    std::int64_t excess = length - Format::PRECISION;  // bits to remove
+    int biased = 0;
+    if (leading < Format::MIN_EXPONENT) {
+        excess += Format::MIN_EXPONENT - leading;
+        if (excess > length)
+            return signed_zero<Float>(negative);  // below half of the last bit
+    } else {
+        biased = static_cast<int>(leading) + Format::MAX_EXPONENT;
+    }
+
+    unsigned info = dropped;
+    if (excess > 0) {
+        const std::uint64_t halves = coefficient >> (excess - 1);
+        const bool sticky = dropped != 0 || halves << (excess - 1) != coefficient;
+        info = static_cast<unsigned>(halves & 1) << 1 | unsigned{sticky};
+        coefficient = halves >> 1;
+    } else {
+        coefficient <<= -excess;
+    }
+
+    constexpr std::uint64_t FRACTION = (std::uint64_t{1} << (Format::PRECISION - 1)) - 1;
+    Bits bits = Format::bits(negative, biased, coefficient & FRACTION);
+    // The carry runs into the exponent: the next binade, the smallest normal number
+    // or infinity.
+    if (info == ABOVE_HALF || (info == HALF && (coefficient & 1) != 0))
+        ++bits;
+    return std::bit_cast<Float>(bits);
+}
+
+// coefficient / 5^n * 2^exponent, rounded from the exact quotient: of it, 63 or 64
+// bits and whether anything follows, more than any significand and one bit.
+template <class Float>
+Float assemble_quotient(bool negative, std::int64_t exponent, const big_uint& coefficient,
+                        unsigned n)
+{
+    big_uint buf;
+    const big_uint& divisor = pow5(n, &buf);
+    const int shift = divisor.highest_set_bit() - coefficient.highest_set_bit() + 63;
+    const Quotient quotient = divide(coefficient, shift, divisor);
+    return assemble<Float>(negative, exponent - shift, quotient.value.to_uint64(),
+                           quotient.inexact ? BELOW_HALF : 0);
+}
+
+// Both factors are exact and the operation rounds once.
+template <class Float>
+Float exactly_scaled(bool negative, int exponent, std::uint64_t coefficient)
+{
+    const Float value = static_cast<Float>(coefficient);
+    const auto& powers = POWERS_OF_TEN<Float>.values;
+    const Float result =
+        exponent < 0 ? value / powers[-exponent] : value * powers[exponent];
+    return negative ? -result : result;
+}
+
+}  // namespace
+
+template <class Float>
+Float assemble_binary(bool negative, std::int64_t exponent, const big_uint& coefficient,
+                      unsigned dropped)
+{
+    const unsigned length = coefficient.bit_length();
+    if (length <= 64)
+        return assemble<Float>(negative, exponent, coefficient.to_uint64(), dropped);
+
+    // 64 bits hold the significand and the bit below; the rest is only zero or not.
+    const unsigned excess = length - 64;
+    auto top = big_uint::make_uninitialized(2);
+    top.shift_right(coefficient, excess);
+    if (coefficient.compute_rounding_info(excess) != 0)
+        dropped = BELOW_HALF;
+    return assemble<Float>(negative, exponent + excess, top.to_uint64(), dropped);
+}
+
+template <class Float>
+Float assemble_decimal(bool negative, std::int64_t exponent, const big_uint& coefficient,
+                       unsigned dropped)
+{
+    using Format = BinaryFormat<Float>;
+    constexpr auto MAX_EXACT = static_cast<std::int64_t>(Format::EXACT_POWERS) - 1;
+
+    const unsigned length = coefficient.bit_length();
+    if (length == 0)
+        return signed_zero<Float>(negative);
+    if (FLT_EVAL_METHOD == 0 && dropped == 0 && length <= unsigned{Format::PRECISION} &&
+        exponent >= -MAX_EXACT && exponent <= MAX_EXACT)
+        return exactly_scaled<Float>(negative, static_cast<int>(exponent),
+                                     coefficient.to_uint64());
+    if (log10_at_least(length) + exponent > Format::MAX_LOG10)
+        return signed_infinity<Float>(negative);
+    if (log10_at_most(length) + exponent < Format::MIN_LOG10)
+        return signed_zero<Float>(negative);
+    if (exponent == 0)
+        return assemble_binary<Float>(negative, 0, coefficient, dropped);
+
+    big_uint kept = shifted(coefficient, 0);
+    if (dropped == ABOVE_HALF || (dropped == HALF && kept.lsb())) {
+        if (kept.increment())
+            kept.prepend(1);
+    }
+    // Both directions leave the powers of two of 10^exponent to the binary exponent.
+    if (exponent < 0)
+        return assemble_quotient<Float>(negative, exponent, kept,
+                                        static_cast<unsigned>(-exponent));
+    big_uint buf;
+    const big_uint& power = pow5(static_cast<unsigned>(exponent), &buf);
+    auto product = big_uint::make_uninitialized(kept.size() + power.size());
+    product.multiply(kept, power);
+    return assemble_binary<Float>(negative, exponent, product, 0);
+}
+
+template float assemble_binary(bool, std::int64_t, const big_uint&, unsigned);
+template double assemble_binary(bool, std::int64_t, const big_uint&, unsigned);
+template float assemble_decimal(bool, std::int64_t, const big_uint&, unsigned);
+template double assemble_decimal(bool, std::int64_t, const big_uint&, unsigned);
+
+}  // namespace kiv::numconv
+
+namespace kiv {
+
+float make_float(bool negative, int exponent, const big_uint& coefficient)
+{
+    return numconv::assemble_decimal<float>(negative, exponent, coefficient, 0);
+}
+
+double make_double(bool negative, int exponent, const big_uint& coefficient)
+{
+    return numconv::assemble_decimal<double>(negative, exponent, coefficient, 0);
+}
+
+long double make_long_double(bool negative, int exponent, const big_uint& coefficient)
+{
+    return make_double(negative, exponent, coefficient);
+}
+
+float pack_float(bool negative, int exponent, const big_uint& coefficient)
+{
+    return numconv::assemble_binary<float>(negative, exponent, coefficient, 0);
+}
+
+double pack_double(bool negative, int exponent, const big_uint& coefficient)
+{
+    return numconv::assemble_binary<double>(negative, exponent, coefficient, 0);
+}
+
+long double pack_long_double(bool negative, int exponent, const big_uint& coefficient)
+{
+    return pack_double(negative, exponent, coefficient);
+}
+
+}  // namespace kiv
