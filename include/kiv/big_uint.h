@@ -147,9 +147,15 @@ public:
     unsigned bit_count() const noexcept;
 
     // i must be below 32 * size().
-    bool test_bit(unsigned i) const noexcept { return (m_words[i / 32] >> i % 32 & 1) != 0; }
+    bool test_bit(unsigned i) const noexcept
+    {
+        return (m_words[i / 32] >> i % 32 & 1) != 0;
+    }
     void set_bit(unsigned i) noexcept { m_words[i / 32] |= std::uint32_t{1} << i % 32; }
-    void clear_bit(unsigned i) noexcept { m_words[i / 32] &= ~(std::uint32_t{1} << i % 32); }
+    void clear_bit(unsigned i) noexcept
+    {
+        m_words[i / 32] &= ~(std::uint32_t{1} << i % 32);
+    }
 
     // The most significant word in use, its top bit, and that bit as a mask.
     unsigned msw() const noexcept { return m_words[m_size - 1U]; }
@@ -185,7 +191,7 @@ public:
     // --- Addition and subtraction; n is size(), B is 2^32 ---------------------------
 
     // (a + b) mod B^n. True if a + b does not fit.
-    bool add(const big_uint& a, const big_uint& b);
+    bool add(const big_uint& a, const big_uint& b) noexcept;
     // *this + b, of which the low n words count. The carry out of the top. Throws
     // std::invalid_argument if b is shorter.
     bool add(const big_uint& b);
@@ -193,7 +199,7 @@ public:
 
     // (a - b) mod B^n. Floor((a - b) / B^n) clamped to -2..2: negative if a < b, 0
     // if the difference fits, positive if it is too long.
-    int subtract(const big_uint& a, const big_uint& b);
+    int subtract(const big_uint& a, const big_uint& b) noexcept;
     // *this - b. -1 if *this was less, else 0. Throws std::invalid_argument if b is
     // longer.
     int subtract(const big_uint& b);
@@ -224,7 +230,8 @@ public:
     // Floor(a / b), and a mod b in r. Targets may be operands. With na and nb words,
     // a and b are their low words. Without leading zero words |a| and |b| long:
     // throws std::invalid_argument if size() < |a| - |b| + 1 (where |a| >= |b|),
-    // r.size() < |b|, r is *this, or na or nb is 0 or beyond its operand.
+    // r.size() < |b|, r is *this, or na or nb is 0 or beyond its operand. Throws
+    // std::length_error if |a| is max_size() and |b| > 1: the dividend needs a word more.
     // O((|a| - |b| + 1) * |b|).
     void divide(const big_uint& a, const big_uint& b);
     void divide(const big_uint& a, const big_uint& b, big_uint& r);
@@ -243,7 +250,8 @@ public:
     void shift_left(const big_uint& a, unsigned k) noexcept;
     void shift_right(const big_uint& a, unsigned k) noexcept;
 
-    // --- Powers and logarithms -----------------------------------------------------------
+    // --- Powers and logarithms
+    // -----------------------------------------------------------
 
     static const unsigned long long pow5_table[28];   // 5^0 .. 5^27
     static const unsigned long long pow10_table[20];  // 10^0 .. 10^19
@@ -261,7 +269,8 @@ public:
     // negative as a signed number; -k means k for values from 10^k on, else k - 1.
     // Throws std::out_of_range if h >= 256.
     static unsigned log10est(unsigned h);
-    // floor(log10), -1 for zero. `bits` is the bit_length(), for those who have it.
+    // floor(log10), -1 for zero. `bits` is the bit_length(), for those who have it;
+    // throws std::invalid_argument if it is beyond size().
     int ilog10() const;
     int ilog10(unsigned bits) const;
 
@@ -312,11 +321,16 @@ private:
     void grow(unsigned capacity, unsigned kept);
     // In size() words.
     void assign(const std::uint32_t* words, unsigned n) noexcept;
+    // For sizes that are not all the same.
+    bool add_any(const big_uint& a, const big_uint& b) noexcept;
+    int subtract_any(const big_uint& a, const big_uint& b) noexcept;
     // r may be null.
     void divide(const big_uint& a, unsigned na, const big_uint& b, unsigned nb,
                 big_uint* r);
     void divide_short(const std::uint32_t* a, unsigned na, const std::uint32_t* b,
                       unsigned nb, big_uint* r);
+    void divide_by_two_limbs(const std::uint32_t* a, unsigned na, const std::uint32_t* b,
+                             unsigned nb, big_uint* r);
     void divide_long(const std::uint32_t* a, unsigned na, const std::uint32_t* b,
                      unsigned nb, big_uint* r);
     bool leading_words_are_zero() const noexcept

@@ -52,7 +52,8 @@ Limb through(Word* r, const Word* a, unsigned n, Limb carry) noexcept
 
 }  // namespace
 
-Limb add(Word* r, const Word* a, const Word* b, unsigned n) noexcept
+// Inlined into the members, the loop costs no call.
+inline Limb add(Word* r, const Word* a, const Word* b, unsigned n) noexcept
 {
     Limb carry = add_limbs(r, a, b, n / 2);
     if (n % 2 != 0)
@@ -60,7 +61,7 @@ Limb add(Word* r, const Word* a, const Word* b, unsigned n) noexcept
     return carry;
 }
 
-Limb subtract(Word* r, const Word* a, const Word* b, unsigned n) noexcept
+inline Limb subtract(Word* r, const Word* a, const Word* b, unsigned n) noexcept
 {
     Limb borrow = subtract_limbs(r, a, b, n / 2);
     if (n % 2 != 0)
@@ -68,12 +69,13 @@ Limb subtract(Word* r, const Word* a, const Word* b, unsigned n) noexcept
     return borrow;
 }
 
-Limb carry_through(Word* r, const Word* a, unsigned n, Limb carry) noexcept
+// r = a + carry, r = a - borrow, with 0 or 1, n words, n may be 0. What comes out.
+inline Limb carry_through(Word* r, const Word* a, unsigned n, Limb carry) noexcept
 {
     return through<Add>(r, a, n, carry);
 }
 
-Limb borrow_through(Word* r, const Word* a, unsigned n, Limb borrow) noexcept
+inline Limb borrow_through(Word* r, const Word* a, unsigned n, Limb borrow) noexcept
 {
     return through<Subtract>(r, a, n, borrow);
 }
@@ -91,8 +93,8 @@ int clamped_difference(const Word* a, unsigned na, const Word* b, unsigned nb) n
         return 0;
     Limb borrow = 0;
     Word lowest = 0;
-    Word any = 0;     // of the words above the lowest
-    Word all = ~0U;   // of all words
+    Word any = 0;    // of the words above the lowest
+    Word all = ~0U;  // of all words
     for (unsigned i = 0; i < n; ++i) {
         const Limb wa = i < na ? a[i] : 0;
         const Limb wb = i < nb ? b[i] : 0;
@@ -114,12 +116,17 @@ int clamped_difference(const Word* a, unsigned na, const Word* b, unsigned nb) n
 
 // --- Addition --------------------------------------------------------------------------
 
-bool big_uint::add(const big_uint& a, const big_uint& b)
+bool big_uint::add(const big_uint& a, const big_uint& b) noexcept
 {
     const unsigned n = m_size;
-    if (a.m_size == n && b.m_size == n)
+    if (a.m_size == n && b.m_size == n) [[likely]]
         return words::add(m_words, a.m_words, b.m_words, n) != 0;
+    return add_any(a, b);
+}
 
+bool big_uint::add_any(const big_uint& a, const big_uint& b) noexcept
+{
+    const unsigned n = m_size;
     const Word* longer = a.m_words;
     const Word* shorter = b.m_words;
     unsigned n_longer = words::significant(longer, a.m_size);
@@ -165,19 +172,23 @@ bool big_uint::increment() noexcept
 
 // --- Subtraction -----------------------------------------------------------------------
 
-int big_uint::subtract(const big_uint& a, const big_uint& b)
+int big_uint::subtract(const big_uint& a, const big_uint& b) noexcept
 {
     const unsigned n = m_size;
-    if (a.m_size == n && b.m_size == n)
+    if (a.m_size == n && b.m_size == n) [[likely]]
         return -static_cast<int>(words::subtract(m_words, a.m_words, b.m_words, n));
+    return subtract_any(a, b);
+}
 
+int big_uint::subtract_any(const big_uint& a, const big_uint& b) noexcept
+{
+    const unsigned n = m_size;
     const unsigned sa = words::significant(a.m_words, a.m_size);
     const unsigned sb = words::significant(b.m_words, b.m_size);
     const unsigned na = std::min(sa, n);
     const unsigned nb = std::min(sb, n);
     // An operand with words above the target is another object.
-    const int high =
-        clamped_difference(a.m_words + na, sa - na, b.m_words + nb, sb - nb);
+    const int high = clamped_difference(a.m_words + na, sa - na, b.m_words + nb, sb - nb);
 
     const unsigned common = std::min(na, nb);
     Limb borrow = words::subtract(m_words, a.m_words, b.m_words, common);

@@ -271,6 +271,8 @@ void big_uint::divide(const big_uint& a, unsigned na, const big_uint& b, unsigne
         words::clear(m_words, m_size);
     } else if (nb <= 2) {
         divide_short(a.m_words, na, b.m_words, nb, r);
+    } else if (nb <= 4) {
+        divide_by_two_limbs(a.m_words, na, b.m_words, nb, r);
     } else {
         divide_long(a.m_words, na, b.m_words, nb, r);
     }
@@ -293,6 +295,45 @@ void big_uint::divide_short(const Word* a, unsigned na, const Word* b, unsigned 
             words::store(r->m_words, remainder);
         else
             r->m_words[0] = static_cast<Word>(remainder);
+        words::clear(r->m_words + nb, r->m_size - nb);
+    }
+}
+
+// As the short division, which it is but for the size of a digit.
+void big_uint::divide_by_two_limbs(const Word* a, unsigned na, const Word* b, unsigned nb,
+                                   big_uint* r)
+{
+    using words::load;
+
+    const Limb high = words::load_low(b + 2, nb - 2);
+    const Limb low = load(b);
+    const auto shift = static_cast<unsigned>(std::countl_zero(high));
+    const auto lent = [shift](Limb limb) { return limb >> 1 >> (63 - shift); };
+    const words::WideReciprocal divisor({high << shift | lent(low), low << shift});
+
+    unsigned i = (na - 1) & ~1U;
+    const Limb top = words::load_low(a + i, na - i);
+    Limb below = load(a + i - 2);
+    Wide remainder{lent(top), top << shift | lent(below)};
+    const unsigned nq = na - nb + 1;
+    while (i != 0) {
+        i -= 2;
+        const Limb limb = below << shift;
+        below = i != 0 ? load(a + i - 2) : 0;
+        const Limb digit = divisor.divide(remainder, limb | lent(below));
+        if (i + 2 <= nq)
+            words::store(m_words + i, digit);
+        else if (i < nq)
+            m_words[i] = static_cast<Word>(digit);
+    }
+    words::clear(m_words + nq, m_size - nq);
+    if (r != nullptr) {
+        words::store(r->m_words,
+                     remainder.low >> shift | remainder.high << 1 << (63 - shift));
+        if (nb == 4)
+            words::store(r->m_words + 2, remainder.high >> shift);
+        else
+            r->m_words[2] = static_cast<Word>(remainder.high >> shift);
         words::clear(r->m_words + nb, r->m_size - nb);
     }
 }

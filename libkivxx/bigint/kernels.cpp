@@ -21,14 +21,17 @@ Limb add_product_portable(Word* r, const Word* a, unsigned n, Limb w) noexcept
 
 }  // namespace
 
-constinit const Kernels portable_kernels = {multiply_limbs_portable, add_product_portable};
+constinit const Kernels portable_kernels = {multiply_limbs_portable, add_product_portable,
+                                            nullptr};
 
 constinit std::atomic<const Kernels*> chosen_kernels = nullptr;
 
 const Kernels& choose_kernels() noexcept
 {
 #if defined(__x86_64__)
-    const Kernels& set = platform::cpu_has_adx() ? adx_kernels : portable_kernels;
+    const Kernels& set = !platform::cpu_has_adx()          ? portable_kernels
+                         : platform::cpu_has_avx512_ifma() ? ifma_kernels
+                                                           : adx_kernels;
 #else
     const Kernels& set = portable_kernels;
 #endif

@@ -47,6 +47,24 @@ inline Limb subtract_limbs(Word* r, const Word* a, const Word* b, unsigned n) no
 #endif
 }
 
+// above:high:low += x
+inline void accumulate_portable(Wide x, Limb& low, Limb& high, Limb& above) noexcept
+{
+    Limb carry = 0;
+    low = add_carry(low, x.low, carry);
+    high = add_carry(high, x.high, carry);
+    above += carry;
+}
+
+inline void accumulate(Wide x, Limb& low, Limb& high, Limb& above) noexcept
+{
+#if defined(__x86_64__)
+    accumulate_x86_64(x, low, high, above);
+#else
+    accumulate_portable(x, low, high, above);
+#endif
+}
+
 // r = a * w + carry, n limbs, n may be 0. The limb above.
 inline Limb multiply_limbs_portable(Word* r, const Word* a, unsigned n, Limb w,
                                     Limb carry) noexcept
@@ -64,11 +82,19 @@ struct Kernels {
     Limb (*multiply)(Word* r, const Word* a, unsigned n, Limb w, Limb carry) noexcept;
     // r += a * w, n limbs, n may be 0. The limb above.
     Limb (*add_product)(Word* r, const Word* a, unsigned n, Limb w) noexcept;
+    // r = a * b, na + nb limbs, both at most MAX_BLOCK; null if it would not pay.
+    void (*multiply_block)(Word* r, const Word* a, unsigned na, const Word* b,
+                           unsigned nb) noexcept;
 };
+
+constexpr unsigned MAX_BLOCK = 256;
 
 extern const Kernels portable_kernels;
 #if defined(__x86_64__)
 extern const Kernels adx_kernels;
+extern const Kernels ifma_kernels;
+Limb multiply_adx(Word* r, const Word* a, unsigned n, Limb w, Limb carry) noexcept;
+Limb add_product_adx(Word* r, const Word* a, unsigned n, Limb w) noexcept;
 #endif
 
 // Null until first asked for. Threads that ask at once find the same answer.

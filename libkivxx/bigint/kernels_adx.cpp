@@ -7,12 +7,12 @@
 
 namespace kiv::words {
 
-namespace {
+// clang-format off
 
 // One limb: the product's low half plus the high half of the one before, plus, where
 // the target is added to, the target.
-    #define KIV_PRODUCT(offset, high_before, high)                 \
-        "mulxq " offset "(%[a]), %[low], %[" high "]\n\t"          \
+    #define KIV_PRODUCT(offset, high_before, high)            \
+        "mulxq " offset "(%[a]), %[low], %[" high "]\n\t"     \
         "adcxq %[" high_before "], %[low]\n\t"
     #define KIV_STORE(offset) "movq %[low], " offset "(%[r])\n\t"
     #define KIV_ADD(offset) "adoxq " offset "(%[r]), %[low]\n\t"
@@ -23,7 +23,7 @@ namespace {
         KIV_PRODUCT(offset, high_before, high) KIV_ADD(offset) KIV_STORE(offset)
 
 // Blocks of four limbs, at least one block.
-    #define KIV_PRODUCT_LOOP(step)                                                     \
+    #define KIV_PRODUCT_LOOP(step) \
         asm volatile("xorl %k[zero], %k[zero]\n"                                       \
                      "1:\n\t"                                                          \
                      step("", "carry", "high")                                         \
@@ -42,6 +42,8 @@ namespace {
                        [carry] "+r"(carry), [r] "+r"(r), [a] "+r"(a), "+c"(blocks)     \
                      : "d"(w)                                                          \
                      : "memory", "cc")
+
+// clang-format on
 
 // What is no block of four comes first.
 Limb multiply_adx(Word* r, const Word* a, unsigned n, Limb w, Limb carry) noexcept
@@ -75,9 +77,7 @@ Limb add_product_adx(Word* r, const Word* a, unsigned n, Limb w) noexcept
     return carry;
 }
 
-}  // namespace
-
-constinit const Kernels adx_kernels = {multiply_adx, add_product_adx};
+constinit const Kernels adx_kernels = {multiply_adx, add_product_adx, nullptr};
 
 }  // namespace kiv::words
 

@@ -71,7 +71,8 @@ constinit const unsigned long long big_uint::pow10_table[20] = {
     10000000000000000000U,
 };
 
-// --- Constants made by the compiler ------------------------------------------------------
+// --- Constants made by the compiler
+// ------------------------------------------------------
 
 namespace {
 
@@ -142,7 +143,8 @@ constexpr auto LOG10_ESTIMATES = [] {
         table[highest_bit_of_pow10(i)] = static_cast<signed char>(-static_cast<int>(i));
     for (unsigned h = 4; h < table.size(); ++h)
         if (table[h] == 0)
-            table[h] = static_cast<signed char>(table[h - 1] < 0 ? -table[h - 1] : table[h - 1]);
+            table[h] =
+                static_cast<signed char>(table[h - 1] < 0 ? -table[h - 1] : table[h - 1]);
     return table;
 }();
 
@@ -169,8 +171,9 @@ struct SmallPowers<std::integer_sequence<unsigned, E...>> {
     static constinit const BigUintConstant table[];
 };
 template <unsigned... E>
-constinit const BigUintConstant SmallPowers<std::integer_sequence<unsigned, E...>>::table[] =
-    {BigUintConstant(SMALL_POW10<E>)...};
+constinit const BigUintConstant
+    SmallPowers<std::integer_sequence<unsigned, E...>>::table[] = {
+        BigUintConstant(SMALL_POW10<E>)...};
 
 template <class>
 struct Squares;
@@ -179,8 +182,8 @@ struct Squares<std::integer_sequence<unsigned, K...>> {
     static constinit const BigUintConstant table[];
 };
 template <unsigned... K>
-constinit const BigUintConstant Squares<std::integer_sequence<unsigned, K...>>::table[] = {
-    BigUintConstant(SQUARE_OF_POW10<K>)...};
+constinit const BigUintConstant Squares<std::integer_sequence<unsigned, K...>>::table[] =
+    {BigUintConstant(SQUARE_OF_POW10<K>)...};
 
 constexpr const BigUintConstant* small_powers =
     SmallPowers<std::make_integer_sequence<unsigned, SMALL_POWERS>>::table;
@@ -311,8 +314,8 @@ int big_uint::ilog10_of_long(unsigned h) const
 
     const unsigned skip = h / 32 - 2;
     const unsigned bits = h % 32 + 1;  // of the top word
-    const Limb top = words::load(m_words + skip + 1) << (32 - bits) |
-                     Limb{m_words[skip]} >> bits;
+    const Limb top =
+        words::load(m_words + skip + 1) << (32 - bits) | Limb{m_words[skip]} >> bits;
     const double log = (std::log2(static_cast<double>(top)) + (h - 63)) * LOG10_2;
     const int k = static_cast<int>(log + TOLERANCE);
     if (static_cast<int>(log - TOLERANCE) == k)

@@ -34,8 +34,6 @@ public:
         return q.high;
     }
 
-    Limb value() const noexcept { return m_v; }
-
     static Limb invert(Limb d) noexcept;
 
 private:

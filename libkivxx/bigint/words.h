@@ -171,14 +171,6 @@ inline bool is_less(Wide a, Wide b) noexcept
 
 // --- Arrays: targets may be operands -----------------------------------------------
 
-// r = a + b, r = a - b, n words each, n may be 0. The carry, the borrow.
-Limb add(Word* r, const Word* a, const Word* b, unsigned n) noexcept;
-Limb subtract(Word* r, const Word* a, const Word* b, unsigned n) noexcept;
-
-// r = a + carry, r = a - borrow, with 0 or 1, n words, n may be 0. What comes out.
-Limb carry_through(Word* r, const Word* a, unsigned n, Limb carry) noexcept;
-Limb borrow_through(Word* r, const Word* a, unsigned n, Limb borrow) noexcept;
-
 // r = a * w + carry, n words. What is above them.
 Limb multiply(Word* r, const Word* a, unsigned n, Limb w, Limb carry) noexcept;
 // r = a * b, na + nb words; r is neither.

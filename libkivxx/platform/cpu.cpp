@@ -46,4 +46,14 @@ bool cpu_has_adx() noexcept
 #endif
 }
 
+bool cpu_has_avx512_ifma() noexcept
+{
+#if defined(__x86_64__)
+    __builtin_cpu_init();
+    return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512ifma");
+#else
+    return false;
+#endif
+}
+
 }  // namespace kiv::platform

@@ -16,6 +16,8 @@ bool cpu_has_avx2() noexcept;
 // MULX of BMI2, and ADX.
 bool cpu_has_adx() noexcept;
 
+bool cpu_has_avx512_ifma() noexcept;
+
 }  // namespace kiv::platform
 
 #endif

@@ -24,9 +24,9 @@ struct Objects {
 
 // Four objects, and which of them are target, operands and remainder.
 struct Setting {
-    mpz_class value(unsigned i, unsigned words = ~0U) const
+    mpz_class value(unsigned i, unsigned n = ~0U) const
     {
-        return value_of(before[at[i]], words);
+        return value_of(before[at[i]], n);
     }
     unsigned size(unsigned i) const { return unsigned(before[at[i]].size()); }
 
@@ -191,26 +191,21 @@ TEST(Shifts, AllCounts)
                           k);
 }
 
-// Counts the rare branches of schoolbook division in digits of so many bits: a guess too
-// large by one, by two, and one that only the multiplication finds out (Knuth, The Art of
-// Computer Programming 2, 4.3.1).
+// Counts how often in schoolbook division, in digits of so many bits, the guess from the
+// top digit of the divisor is too large by one or two, and the one from two digits is
+// (Knuth, The Art of Computer Programming 2, 4.3.1).
 void count_rare_branches(mpz_class u, mpz_class v, unsigned bits, unsigned (&taken)[3])
 {
     const auto length = mpz_sizeinbase(v.get_mpz_t(), 2), n = (length + bits - 1) / bits;
     u <<= n * bits - length;  // the top digit of v gets its top bit
     v <<= n * bits - length;
-    const mpz_class base = mpz_class(1) << bits, two = v >> ((n - 2) * bits),
-                    top = two / base;
+    const mpz_class base = mpz_class(1) << bits, two = v >> ((n - 2) * bits);
     for (auto j = mpz_sizeinbase(u.get_mpz_t(), 2) / bits + 1; j-- > 0;) {
         const mpz_class digit = (u >> (j * bits)) / v, part = u >> ((j + n - 2) * bits);
-        mpz_class guess = part / base / top;
-        unsigned steps = 0;
-        for (; part / base - guess * top < base && (guess >= base || guess * two > part);
-             ++steps)
-            --guess;
-        taken[0] += steps == 1;
-        taken[1] += steps == 2;
-        taken[2] += guess == digit + 1;
+        const mpz_class guess = part / base / (two / base), better = part / two;
+        taken[0] += guess == better + 1;
+        taken[1] += guess == better + 2;
+        taken[2] += better == digit + 1;
         u -= (digit * v) << (j * bits);
     }
 }
@@ -244,15 +239,16 @@ TEST(Kernels, PortableSums)
 {
     using namespace kiv::words;
     Random random;
-    for (unsigned i = 0; i < 5000; ++i) {
+    for (unsigned n = 0; n < 5000; ++n) {
         const Words a = random.words(20), b = random.words(20);
-        Words sum = a, difference = a, want_sum = a, want_difference = a;
-        const unsigned n = i % 11;
-        EXPECT_EQ(add_limbs_portable(sum.data(), a.data(), b.data(), n),
-                  add_limbs(want_sum.data(), a.data(), b.data(), n));
-        EXPECT_EQ(subtract_limbs_portable(difference.data(), a.data(), b.data(), n),
-                  subtract_limbs(want_difference.data(), a.data(), b.data(), n));
-        EXPECT_TRUE(sum == want_sum && difference == want_difference);
+        Words x = a, y = a;
+        const auto expect_same = [&](auto portable, auto other) {
+            EXPECT_EQ(portable(x.data(), a.data(), b.data(), n % 11),
+                      other(y.data(), a.data(), b.data(), n % 11));
+            EXPECT_EQ(x, y);
+        };
+        expect_same(add_limbs_portable, add_limbs);
+        expect_same(subtract_limbs_portable, subtract_limbs);
     }
 }
 

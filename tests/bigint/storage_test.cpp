@@ -211,8 +211,7 @@ TEST(Storage, FailedAllocations)
             bool failed = true;
             for (int allowed = 0; failed; ++allowed) {
                 big_uint x = big_uint::make_uninitialized(n), y;
-                for (unsigned i = 0; i < n; ++i)
-                    x[i] = i + 1;
+                std::fill(x.data(), x.data() + n, 1U);
                 y.set_size(600)[599] = 1;
                 const State before[] = {state_of(x), state_of(y)};
                 const long live = failing_new::live;
