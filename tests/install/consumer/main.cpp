@@ -22,7 +22,8 @@ void check(bool ok, const char* what)
 
 // The registry must be there before a program's own static objects are built.
 const bool early = kiv::Charset::forName(u"latin1"_usv) == kiv::Charset::ISO_8859_1 &&
-                   kiv::Charset::UTF_8->decode("\xC3\xA9") == u"\u00E9"_us;
+                   kiv::Charset::UTF_8->decode("\xC3\xA9") == u"\u00E9"_us &&
+                   kiv::big_uint::precomputed_pow10(3)->is_equal(1000);
 
 template <class Error, class Action>
 bool throws(Action action)
@@ -39,8 +40,13 @@ bool throws(Action action)
 
 int main()
 {
-    check(early, "charsets during static initialisation");
+    check(early, "charsets and tables during static initialisation");
     check(kiv::Charset::UTF_8->encode(u"\U0001F600"_usv) == "\xF0\x9F\x98\x80", "encode");
+    check(kiv::Charset::forName(u"sjis"_usv)->decode("\x82\xA0") == u"\u3042"_us,
+          "decode");
+    check(kiv::make_double(false, -1, 1) == 0.1 &&
+              kiv::pack_decimal64(false, 0, 1).pattern().bits == 0x31C0000000000001,
+          "assembly of values");
     check(kiv::Char16::isLetter(U'\u00E9') && kiv::isuspace(u' '), "classification");
     check(kiv::cvtstr<std::wstring>(u"\U0001F600"_usv).size() ==
               (sizeof(wchar_t) == 4 ? 1 : 2),
