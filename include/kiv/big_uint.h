@@ -44,13 +44,18 @@ public:
     {
         m_local[0] = 0;
     }
-    // One word, or two if the value needs them.
+    // One word, or two if the value needs them. Parentheses enclose a value; braces
+    // enclose words.
     big_uint(unsigned value) noexcept : big_uint() { m_local[0] = value; }
     big_uint(unsigned long value) noexcept : big_uint(std::uint64_t{value}, 0) {}
     big_uint(unsigned long long value) noexcept : big_uint(std::uint64_t{value}, 0) {}
+    template <std::unsigned_integral T>
+    requires(sizeof(T) < sizeof(unsigned)) big_uint(T value)
+    noexcept : big_uint(unsigned{value}) {}
     // Throws std::invalid_argument for a negative value.
     template <std::signed_integral T>
-    big_uint(T value) : big_uint(not_negative(value))
+    requires(sizeof(T) <= sizeof(long long)) big_uint(T value)
+        : big_uint(not_negative(value))
     {
     }
     // One word per element, the first is word 0. Throws std::invalid_argument for
@@ -170,11 +175,16 @@ public:
     void bit_not(const big_uint& a);
 
     // Of machine words. Leading and trailing zeros of 0: the width.
+    static unsigned bit_count(int w) noexcept
+    {
+        return bit_count(static_cast<unsigned>(w));
+    }
     static unsigned bit_count(unsigned w) noexcept;
     static unsigned bit_count(unsigned long w) noexcept;
     static unsigned bit_count(unsigned long long w) noexcept;
     static unsigned lzcnt32(unsigned w) noexcept;
     static unsigned lzcnt64(unsigned long long w) noexcept;
+    static unsigned tzcnt(int w) noexcept { return tzcnt(static_cast<unsigned>(w)); }
     static unsigned tzcnt(unsigned w) noexcept;
     static unsigned tzcnt(unsigned long w) noexcept;
     static unsigned tzcnt(unsigned long long w) noexcept;
@@ -190,7 +200,8 @@ public:
 
     // --- Addition and subtraction; n is size(), B is 2^32 ---------------------------
 
-    // (a + b) mod B^n. True if a + b does not fit.
+    // (a + b) mod B^n. True if a + b does not fit. A word w has 32 bits everywhere:
+    // wider arguments are cut, so make a big_uint of them.
     bool add(const big_uint& a, const big_uint& b) noexcept;
     // *this + b, of which the low n words count. The carry out of the top. Throws
     // std::invalid_argument if b is shorter.
@@ -250,8 +261,7 @@ public:
     void shift_left(const big_uint& a, unsigned k) noexcept;
     void shift_right(const big_uint& a, unsigned k) noexcept;
 
-    // --- Powers and logarithms
-    // -----------------------------------------------------------
+    // --- Powers and logarithms -----------------------------------------------------
 
     static const unsigned long long pow5_table[28];   // 5^0 .. 5^27
     static const unsigned long long pow10_table[20];  // 10^0 .. 10^19

@@ -13,7 +13,8 @@
 
 namespace kiv::decimal {
 
-// decimal32() and its siblings are 0 with the smallest exponent.
+// As with numbers, decimal32() and its siblings are 0 (with the smallest exponent),
+// and what is declared without an initialiser has some value.
 
 class KIV_API decimal32 {
 public:

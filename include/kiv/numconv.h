@@ -7,7 +7,8 @@
 // Every result is the value of its type that is nearest to the exact one, ties to
 // even, for every coefficient and exponent. What is too large becomes an infinity,
 // what is too small a subnormal number or zero; a zero coefficient gives zero
-// whatever the exponent. The sign is kept in each of these cases.
+// whatever the exponent. The sign is kept in each of these cases. The processor is
+// taken to round to nearest, as it does unless told otherwise.
 //
 // Nothing here throws but std::bad_alloc. All may be called from any thread.
 
@@ -15,17 +16,10 @@
 #define KIV_NUMCONV_H
 
 #include <kiv/big_uint.h>
+#include <kiv/decimal.h>
 #include <kiv/export.h>
 
 namespace kiv {
-
-// Complete in kiv/decimal.h, which callers of pack_decimal32() and its siblings
-// include.
-namespace decimal {
-class decimal32;
-class decimal64;
-class decimal128;
-}  // namespace decimal
 
 // --- (-1)^negative * coefficient * 10^exponent -----------------------------------
 //

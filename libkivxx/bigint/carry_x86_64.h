@@ -46,18 +46,18 @@ namespace kiv::words {
 
     // clang-format on
 
-    #define KIV_DEFINE_CARRY_LOOP(name, instruction)                                     \
-        inline Limb name(Word* r, const Word* a, const Word* b, unsigned n) noexcept     \
-        {                                                                                \
-            Limb carry, t;                                                               \
-            Limb blocks = n / 4;                                                         \
-            const Limb rest = n % 4;                                                     \
-            asm volatile(KIV_CARRY_LOOP(instruction)                                     \
-                         : [carry] "=&r"(carry), [t] "=&r"(t), [r] "+r"(r), [a] "+r"(a), \
-                           [b] "+r"(b), "+c"(blocks)                                     \
-                         : [rest] "r"(rest)                                              \
-                         : "memory", "cc");                                              \
-            return carry;                                                                \
+    #define KIV_DEFINE_CARRY_LOOP(name, instruction)                                 \
+        inline Limb name(Word* r, const Word* a, const Word* b, unsigned n) noexcept \
+        {                                                                            \
+            Limb carry, t;                                                           \
+            Limb blocks = n / 4;                                                     \
+            const Limb rest = n % 4;                                                 \
+            asm volatile(KIV_CARRY_LOOP(instruction)                                 \
+                         : [carry] "=&r"(carry), [t] "=&r"(t), [r] "+&r"(r),         \
+                           [a] "+&r"(a), [b] "+&r"(b), "+&c"(blocks)                 \
+                         : [rest] "r"(rest)                                          \
+                         : "memory", "cc");                                          \
+            return carry;                                                            \
         }
 
 // r = a + b, r = a - b, n limbs, n may be 0. The carry, the borrow.

@@ -39,7 +39,8 @@ namespace kiv::words {
                      "adcxq %[zero], %[carry]\n\t"                                     \
                      "adoxq %[zero], %[carry]\n"                                       \
                      : [zero] "=&r"(zero), [low] "=&r"(low), [high] "=&r"(high),       \
-                       [carry] "+r"(carry), [r] "+r"(r), [a] "+r"(a), "+c"(blocks)     \
+                       [carry] "+&r"(carry), [r] "+&r"(r), [a] "+&r"(a),               \
+                       "+&c"(blocks)                                                   \
                      : "d"(w)                                                          \
                      : "memory", "cc")
 

@@ -88,7 +88,7 @@ KIV_IFMA void multiply_block(Word* r, const Word* a, unsigned na, const Word* b,
         const unsigned last = std::min(column + COLUMNS, ndb);
         for (unsigned j = first; j < last; ++j) {
             const __m512i factor = _mm512_set1_epi64(static_cast<long long>(db[j]));
-            const Limb* const row = da + column - j;
+            const Limb* const row = da + (static_cast<int>(column) - static_cast<int>(j));
             for (unsigned v = 0; v < VECTORS; ++v) {
                 const __m512i digits = _mm512_loadu_si512(row + LANES * v);
                 low[v] = _mm512_madd52lo_epu64(low[v], digits, factor);

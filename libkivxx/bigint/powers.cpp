@@ -10,6 +10,7 @@
 
 #include <kiv/big_uint.h>
 
+#include "bigint/powers.h"
 #include "bigint/words.h"
 
 namespace kiv {
@@ -71,8 +72,7 @@ constinit const unsigned long long big_uint::pow10_table[20] = {
     10000000000000000000U,
 };
 
-// --- Constants made by the compiler
-// ------------------------------------------------------
+// --- Constants made by the compiler ------------------------------------------------
 
 namespace {
 
@@ -224,21 +224,6 @@ void multiply_by(big_uint& product, const big_uint& factor)
     product.swap(wider);
 }
 
-// 5^e for any e whose power has a place.
-void make_pow5(unsigned e, big_uint& power)
-{
-    if (e < 1U << SQUARES_OF_5) {
-        big_uint::pow5(e, &power);
-        return;
-    }
-    big_uint root;
-    make_pow5(e / 2, root);
-    power = root;
-    multiply_by(power, root);
-    if (e % 2 != 0)
-        multiply_by(power, 5U);
-}
-
 }  // namespace
 
 // --- Powers ----------------------------------------------------------------------------
@@ -251,11 +236,24 @@ const big_uint& big_uint::pow5(unsigned e, big_uint* buf)
         return *buf = pow5_table[e];
 
     unsigned k = e % 32 < std::size(pow5_table) ? 5 : 4;
-    *buf = pow5_table[e % (1U << k)];
+    big_uint power = pow5_table[e % (1U << k)];
     for (; e >> k != 0; ++k)
         if ((e >> k & 1) != 0)
-            multiply_by(*buf, square_of_5(k));
-    return *buf;
+            multiply_by(power, square_of_5(k));
+    return *buf = std::move(power);
+}
+
+const big_uint& bigint::pow5(unsigned e, big_uint* buf)
+{
+    if (e < 1U << SQUARES_OF_5)
+        return big_uint::pow5(e, buf);
+    big_uint root_buf;
+    const big_uint& root = bigint::pow5(e / 2, &root_buf);
+    big_uint power = root;
+    multiply_by(power, root);
+    if (e % 2 != 0)
+        multiply_by(power, 5U);
+    return *buf = std::move(power);
 }
 
 const big_uint& big_uint::pow10(unsigned e, big_uint* buf)
@@ -264,11 +262,11 @@ const big_uint& big_uint::pow10(unsigned e, big_uint* buf)
         return small_powers[e].value;
     if (e >= 1U << SQUARES)
         throw std::out_of_range("big_uint::pow10");
-    *buf = small_powers[e % 64].value;
+    big_uint power = small_powers[e % 64].value;
     for (unsigned k = 6; e >> k != 0; ++k)
         if ((e >> k & 1) != 0)
-            multiply_by(*buf, squares[k].value);
-    return *buf;
+            multiply_by(power, squares[k].value);
+    return *buf = std::move(power);
 }
 
 const big_uint* big_uint::precomputed_pow10(unsigned e) noexcept
@@ -322,8 +320,8 @@ int big_uint::ilog10_of_long(unsigned h) const
         return k;
 
     // v >= 10^k if and only if floor(v / 2^k) >= 5^k.
-    big_uint power;
-    make_pow5(static_cast<unsigned>(k), power);
+    big_uint buf;
+    const big_uint& power = bigint::pow5(static_cast<unsigned>(k), &buf);
     auto shifted = make_uninitialized(m_size);
     shifted.shift_right(*this, static_cast<unsigned>(k));
     return shifted >= power ? k : k - 1;

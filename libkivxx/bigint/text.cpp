@@ -16,8 +16,7 @@ namespace {
 using words::Limb;
 using words::Word;
 
-// --- Chunks: digits to the base 10^19, the largest power of ten in a limb
-// ----------------
+// --- Chunks: digits to the base 10^19, the largest power of ten in a limb ----------
 
 constexpr unsigned CHUNK_DIGITS = 19;
 constexpr Limb CHUNK = 10'000'000'000'000'000'000U;
@@ -67,8 +66,7 @@ unsigned to_chunks(Word* limbs, unsigned n, Word* chunks) noexcept
     return count;
 }
 
-// --- Digits
-// ------------------------------------------------------------------------------
+// --- Digits ------------------------------------------------------------------------
 
 constexpr char DIGIT_PAIRS[] =
     "00010203040506070809101112131415161718192021222324"

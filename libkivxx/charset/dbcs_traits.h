@@ -25,32 +25,36 @@ struct ByteRanges {
 
 constexpr ByteRange NO_BYTES = {1, 0};
 
+// The bytes of Shift_JIS and of EUC-like encodings, each with their extensions.
+struct ShiftJisBytes {
+    static constexpr ByteRanges LEAD = {{0x81, 0x9F}, {0xE0, 0xFC}};
+    static constexpr ByteRanges TRAIL = {{0x40, 0x7E}, {0x80, 0xFC}};
+};
+struct ExtendedEucBytes {
+    static constexpr ByteRanges LEAD = {{0x81, 0xFE}, NO_BYTES};
+    static constexpr ByteRanges TRAIL = {{0x40, 0x7E}, {0x80, 0xFE}};
+};
+
 // DecodeEntry: what a decode table holds; char32_t if there are characters
 // above U+FFFF. *_BLOCK_BITS: the sizes of the blocks that the tables are cut
 // into. HIGHEST: the highest code point that is looked up when encoding.
 
-struct Micsft_932_Traits {
+struct Micsft_932_Traits : ShiftJisBytes {
     using DecodeEntry = char16_t;
-    static constexpr ByteRanges LEAD = {{0x81, 0x9F}, {0xE0, 0xFC}};
-    static constexpr ByteRanges TRAIL = {{0x40, 0x7E}, {0x80, 0xFC}};
     static constexpr unsigned DECODE_BLOCK_BITS = 6;
     static constexpr unsigned ENCODE_BLOCK_BITS = 5;
     static constexpr char32_t HIGHEST = 0xFFE5;
 };
 
-struct Shift_JIS_Traits {
+struct Shift_JIS_Traits : ShiftJisBytes {
     using DecodeEntry = char16_t;
-    static constexpr ByteRanges LEAD = {{0x81, 0x9F}, {0xE0, 0xFC}};
-    static constexpr ByteRanges TRAIL = {{0x40, 0x7E}, {0x80, 0xFC}};
     static constexpr unsigned DECODE_BLOCK_BITS = 6;
     static constexpr unsigned ENCODE_BLOCK_BITS = 6;
     static constexpr char32_t HIGHEST = 0xFFE5;
 };
 
-struct Micsft_936_Traits {
+struct Micsft_936_Traits : ExtendedEucBytes {
     using DecodeEntry = char16_t;
-    static constexpr ByteRanges LEAD = {{0x81, 0xFE}, NO_BYTES};
-    static constexpr ByteRanges TRAIL = {{0x40, 0x7E}, {0x80, 0xFE}};
     static constexpr unsigned DECODE_BLOCK_BITS = 14;
     static constexpr unsigned ENCODE_BLOCK_BITS = 6;
     static constexpr char32_t HIGHEST = 0xFFE5;
@@ -58,36 +62,29 @@ struct Micsft_936_Traits {
 
 struct GBK_Traits : Micsft_936_Traits {};
 
-struct Micsft_949_Traits {
+struct Micsft_949_Traits : ExtendedEucBytes {
     using DecodeEntry = char16_t;
-    static constexpr ByteRanges LEAD = {{0x81, 0xFE}, NO_BYTES};
-    static constexpr ByteRanges TRAIL = {{0x40, 0x7E}, {0x80, 0xFE}};
     static constexpr unsigned DECODE_BLOCK_BITS = 5;
     static constexpr unsigned ENCODE_BLOCK_BITS = 5;
     static constexpr char32_t HIGHEST = 0xFFE6;
 };
 
-struct Micsft_950_Traits {
+struct Micsft_950_Traits : ExtendedEucBytes {
     using DecodeEntry = char16_t;
-    static constexpr ByteRanges LEAD = {{0x81, 0xFE}, NO_BYTES};
-    static constexpr ByteRanges TRAIL = {{0x40, 0x7E}, {0x80, 0xFE}};
     static constexpr unsigned DECODE_BLOCK_BITS = 5;
     static constexpr unsigned ENCODE_BLOCK_BITS = 6;
     static constexpr char32_t HIGHEST = 0xFFE5;
 };
 
-struct Big5_Traits {
+struct Big5_Traits : ExtendedEucBytes {
     using DecodeEntry = char16_t;
-    static constexpr ByteRanges LEAD = {{0x81, 0xFE}, NO_BYTES};
-    static constexpr ByteRanges TRAIL = {{0x40, 0x7E}, {0x80, 0xFE}};
     static constexpr unsigned DECODE_BLOCK_BITS = 5;
     static constexpr unsigned ENCODE_BLOCK_BITS = 6;
     static constexpr char32_t HIGHEST = 0xFF64;
 };
 
-struct Big5_HKSCS_Traits {
+struct Big5_HKSCS_Traits : ExtendedEucBytes {
     using DecodeEntry = char32_t;
-    static constexpr ByteRanges LEAD = {{0x81, 0xFE}, NO_BYTES};
     static constexpr ByteRanges TRAIL = {{0x40, 0x7E}, {0xA1, 0xFE}};
     static constexpr unsigned DECODE_BLOCK_BITS = 5;
     static constexpr unsigned ENCODE_BLOCK_BITS = 4;

@@ -8,6 +8,7 @@
 
 #include <kiv/numconv.h>
 
+#include "bigint/powers.h"
 #include "numconv/scaling.h"
 
 namespace kiv::numconv {
@@ -121,7 +122,7 @@ Float assemble_quotient(bool negative, std::int64_t exponent, const big_uint& co
                         unsigned n)
 {
     big_uint buf;
-    const big_uint& divisor = pow5(n, &buf);
+    const big_uint& divisor = bigint::pow5(n, &buf);
     const int shift = divisor.highest_set_bit() - coefficient.highest_set_bit() + 63;
     const Quotient quotient = divide(coefficient, shift, divisor);
     return assemble<Float>(negative, exponent - shift, quotient.value.to_uint64(),
@@ -189,7 +190,7 @@ Float assemble_decimal(bool negative, std::int64_t exponent, const big_uint& coe
         return assemble_quotient<Float>(negative, exponent, kept,
                                         static_cast<unsigned>(-exponent));
     big_uint buf;
-    const big_uint& power = pow5(static_cast<unsigned>(exponent), &buf);
+    const big_uint& power = bigint::pow5(static_cast<unsigned>(exponent), &buf);
     auto product = big_uint::make_uninitialized(kept.size() + power.size());
     product.multiply(kept, power);
     return assemble_binary<Float>(negative, exponent, product, 0);

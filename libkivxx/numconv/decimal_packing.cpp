@@ -4,6 +4,7 @@
 
 #include <kiv/numconv.h>
 
+#include "bigint/powers.h"
 #include "numconv/scaling.h"
 
 namespace kiv::numconv {
@@ -125,8 +126,8 @@ Halves<Format> cut(const big_uint& coefficient, unsigned dropped, std::int64_t* 
     }
     // The divisor is 10^excess / 2.
     big_uint buf;
-    const Quotient quotient =
-        divide(coefficient, 1 - excess, pow5(static_cast<unsigned>(excess), &buf));
+    const Quotient quotient = divide(coefficient, 1 - excess,
+                                     bigint::pow5(static_cast<unsigned>(excess), &buf));
     *exponent += excess;
     return {low_bits<Bits>(quotient.value), quotient.inexact || dropped != 0};
 }

@@ -16,25 +16,6 @@ big_uint shifted(const big_uint& value, int shift)
     return result;
 }
 
-const big_uint& pow5(unsigned exponent, big_uint* buf)
-{
-    constexpr unsigned TABLE_LIMIT = 32768;
-    if (exponent < TABLE_LIMIT)
-        return big_uint::pow5(exponent, buf);
-
-    big_uint root_buf;
-    const big_uint& root = pow5(exponent / 2, &root_buf);
-    auto power = big_uint::make_uninitialized(2 * root.size());
-    power.multiply(root, root);
-    if (exponent % 2 != 0) {
-        if (const unsigned carry = power.multiply(5))
-            power.prepend(carry);
-    }
-    power.trim();
-    buf->swap(power);
-    return *buf;
-}
-
 Quotient divide(const big_uint& coefficient, int shift, const big_uint& divisor)
 {
     const big_uint dividend = shifted(coefficient, shift);

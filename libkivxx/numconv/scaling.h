@@ -31,9 +31,6 @@ constexpr unsigned ABOVE_HALF = 3;
 // floor(value * 2^shift), without leading zero words.
 big_uint shifted(const big_uint& value, int shift);
 
-// 5^exponent, beyond the limit of big_uint::pow5() too; exponents up to 800000.
-const big_uint& pow5(unsigned exponent, big_uint* buf);
-
 struct Quotient {
     big_uint value;  // floor(coefficient * 2^shift / divisor)
     bool inexact;    // the exact quotient is greater

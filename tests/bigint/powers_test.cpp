@@ -49,8 +49,7 @@ TEST(Powers, OfFiveAndTen)
     }
 }
 
-// --- Logarithms
-// -------------------------------------------------------------------------
+// --- Logarithms --------------------------------------------------------------------
 
 int logarithm(const mpz_class& z)
 {
@@ -88,8 +87,7 @@ TEST(Logarithms, Estimates)
     }
 }
 
-// --- Many threads
-// -----------------------------------------------------------------------
+// --- Many threads ------------------------------------------------------------------
 
 // In a process of its own they all make the factors, which nobody has asked for before.
 TEST(Concurrency, PowersAreShared)
