@@ -4,12 +4,14 @@
 #include <algorithm>
 #include <string>
 #include <type_traits>
+#include <utility>
 
 #include <gtest/gtest.h>
 #include <kiv/big_uint.h>
 
 #include "bigint/gmp_model.h"
 #include "bigint/kernels.h"
+#include "platform/cpu.h"
 
 namespace {
 
@@ -146,13 +148,19 @@ Setting make(Random& random, const unsigned (&sizes)[4], const unsigned (&at)[4]
     return s;
 }
 
-// With the portable inner loops, and with those that the library chooses here.
-class Arithmetic : public testing::TestWithParam<bool> {
-    void SetUp() override
-    {
-        using namespace kiv::words;
-        chosen_kernels = GetParam() ? nullptr : &portable_kernels;
-    }
+const kiv::words::Kernels* const SETS[] = {
+    &kiv::words::portable_kernels,
+#if defined(__x86_64__)
+    &kiv::words::adx_kernels,
+    &kiv::words::ifma_kernels,
+#endif
+};
+
+// With each set of inner loops that the machine has.
+class Arithmetic : public testing::TestWithParam<int> {
+    void SetUp() override { use_kernels(*SETS[GetParam()]); }
+    void TearDown() override { use_kernels(before); }
+    const kiv::words::Kernels& before = kiv::words::kernels();
 
 protected:
     Random random;
@@ -179,6 +187,23 @@ TEST_P(Arithmetic, ManyWords)
         expect_operations(s);
         expect_division(s, false, 0, 0);
         expect_shifts(s, random.below(32 * (na + nb)));
+    }
+}
+
+// Sides of as many limbs as a block of a product has, or more, and odd top words.
+TEST_P(Arithmetic, SeveralBlocks)
+{
+    static constexpr unsigned SIZES[][2] = {{512, 512},  {513, 514},  {511, 577},
+                                            {1025, 600}, {600, 1025}, {1030, 1029}};
+    for (unsigned i = 0; i < 72 && !HasFailure(); ++i) {
+        const auto [na, nb] = SIZES[i % 6];
+        Setting s = make(random, {na + nb, na, nb, nb}, ALIASES[0]);
+        if (i < 6)  // the longest carries
+            s.before[1].assign(na, ~0U), s.before[2].assign(nb, ~0U);
+        expect_operations(s);
+        expect_division(s, false, 0, 0);
+        s.before[1] = words_of(s.value(1) * s.value(2) + i / 6 % 3 - 1, na + nb);
+        expect_division(s, false, 0, 0);
     }
 }
 
@@ -233,22 +258,34 @@ TEST_P(Arithmetic, RareBranchesOfDivision)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Kernels, Arithmetic, testing::Bool());
+int number_of_sets()
+{
+    using namespace kiv::platform;
+    return !cpu_has_adx() ? 1 : cpu_has_avx512_ifma() ? 3 : 2;
+}
+INSTANTIATE_TEST_SUITE_P(Kernels, Arithmetic, testing::Range(0, number_of_sets()));
 
 TEST(Kernels, PortableSums)
 {
     using namespace kiv::words;
     Random random;
-    for (unsigned n = 0; n < 5000; ++n) {
-        const Words a = random.words(20), b = random.words(20);
+    for (unsigned n = 0; n < 5000 && !HasFailure(); ++n) {
+        const Words a = random.words(42), b = random.words(42);
         Words x = a, y = a;
-        const auto expect_same = [&](auto portable, auto other) {
-            EXPECT_EQ(portable(x.data(), a.data(), b.data(), n % 11),
-                      other(y.data(), a.data(), b.data(), n % 11));
-            EXPECT_EQ(x, y);
+        const auto expect_same = [&](auto count) {
+            EXPECT_EQ(add_limbs_portable(x.data(), a.data(), b.data(), count),
+                      add_limbs(y.data(), a.data(), b.data(), count));
+            EXPECT_EQ(subtract_limbs_portable(x.data(), x.data(), a.data(), count),
+                      subtract_limbs(y.data(), y.data(), a.data(), count));
+            EXPECT_EQ(x, y) << count << " limbs";
         };
-        expect_same(add_limbs_portable, add_limbs);
-        expect_same(subtract_limbs_portable, subtract_limbs);
+        // A count that the compiler knows lets operands of assembly share a register.
+        [&]<unsigned... N>(std::integer_sequence<unsigned, N...>)
+        {
+            (expect_same(std::integral_constant<unsigned, N>()), ...,
+             expect_same(n % 11));
+        }
+        (std::make_integer_sequence<unsigned, 21>());
     }
 }
 

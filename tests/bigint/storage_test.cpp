@@ -148,6 +148,9 @@ TEST(Storage, Construction)
     for (const big_uint& x :
          {big_uint(5UL << 32), big_uint(5ULL << 32), big_uint(5LL << 32)})
         EXPECT_TRUE(matches(x, exact({0, 5})));
+    for (const big_uint& x :
+         {big_uint(5), big_uint(5U), big_uint(5ULL), big_uint(std::uint16_t{5})})
+        EXPECT_TRUE(matches(x, exact({5})));
     EXPECT_TRUE(matches({5U, 0U, 0U}, exact({5, 0, 0})));
     EXPECT_TRUE(
         matches({1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U}, exact({1, 2, 3, 4, 5, 6, 7, 8})));
@@ -205,7 +208,11 @@ TEST(Storage, FailedAllocations)
         [](auto&, auto& y) { big_uint copy(y); },
         [](auto&, auto&) { big_uint{1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U, 9U}; },
         [](auto&, auto& y) { y.to_string(), y.to_ustring(); },
+        [](auto& x, auto&) { big_uint::pow5(1000, &x); },
+        [](auto& x, auto&) { big_uint::pow10(1000, &x); },
     };
+    big_uint first;
+    big_uint::pow5(1000, &first);  // makes factors that stay
     for (const auto& run : operations)
         for (const unsigned n : {8U, 9U}) {
             bool failed = true;

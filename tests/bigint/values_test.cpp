@@ -43,6 +43,15 @@ TEST(Values, Order)
     }
 }
 
+TEST(Values, BesideIntegers)
+{
+    const big_uint five = 5, one = true;
+    EXPECT_TRUE(five == 5 && five == 5U && 5ULL == five && one == std::uint8_t{1});
+    EXPECT_TRUE(4U < five && five < 6 && five >= 5L && !(5U < five) && 0 <= one);
+    EXPECT_TRUE(big_uint::bit_count(5) == 2 && big_uint::lzcnt32(5) == 29);
+    EXPECT_TRUE(big_uint::tzcnt(8) == 3 && big_uint::tzcnt(0) == 32);
+}
+
 void expect_bits(const Words& words)
 {
     const big_uint x = guarded(words);

@@ -400,6 +400,7 @@ TEST(Assembly, ExtremesOfInt)
 
 TEST(Assembly, LongDoubleIsADouble)
 {
+    EXPECT_TRUE(same(make_double(false, -1, 1), 0.1));
     EXPECT_EQ(make_long_double(true, -1, 1), static_cast<long double>(-0.1));
     EXPECT_EQ(pack_long_double(true, 0, ~0ull), -0x1p64L);
 }

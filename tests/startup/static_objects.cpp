@@ -5,7 +5,9 @@
 #include <cstdio>
 #include <string>
 
+#include <kiv/big_uint.h>
 #include <kiv/charset.h>
+#include <kiv/numconv.h>
 
 namespace {
 
@@ -31,6 +33,12 @@ void use(const char* phase)
                 Charset::defaultCharset() != nullptr &&
                 kiv::cvtstr<std::string>(u"a"_usv) == "a" &&
                 Charset::forName(u"x-static-alias"_usv) != nullptr;
+    kiv::big_uint power;
+    good = good &&
+           kiv::make_double(false, -300, kiv::big_uint::pow10(300, &power)) == 1 &&
+           kiv::big_uint::pow5(100, &power).to_string() ==
+               "7888609052210118054117285652827862296732064351090230047702789306640625";
+
     for (const Charset* charset : Charset::availableCharsets())
         good = good && charset->decode(charset->encode(u"text"_usv)) == u"text"_us;
     try {
