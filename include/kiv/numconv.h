@@ -16,8 +16,8 @@
 #define KIV_NUMCONV_H
 
 #include <kiv/big_uint.h>
-#include <kiv/decimal.h>
 #include <kiv/export.h>
+#include <kiv/kdecimal.h>
 
 namespace kiv {
 

@@ -1,8 +1,8 @@
 // Addition and subtraction of arrays for x86-64. No compiler keeps a carry in the flags
 // around a loop; so kept, it costs nothing.
 
-#ifndef KIVXX_BIGINT_CARRY_X86_64_H
-#define KIVXX_BIGINT_CARRY_X86_64_H
+#ifndef KIV_BIGINT_CARRY_X86_64_H
+#define KIV_BIGINT_CARRY_X86_64_H
 
 #if defined(__x86_64__)
 

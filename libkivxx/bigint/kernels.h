@@ -1,8 +1,8 @@
 // The inner loops of addition and multiplication. They count in limbs and know nothing
 // of an odd top word; a target may be an operand, at the same place.
 
-#ifndef KIVXX_BIGINT_KERNELS_H
-#define KIVXX_BIGINT_KERNELS_H
+#ifndef KIV_BIGINT_KERNELS_H
+#define KIV_BIGINT_KERNELS_H
 
 #include <atomic>
 

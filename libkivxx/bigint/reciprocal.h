@@ -2,8 +2,8 @@
 // N. Moeller and T. Granlund, "Improved division by invariant integers", IEEE
 // Transactions on Computers 60 (2011).
 
-#ifndef KIVXX_BIGINT_RECIPROCAL_H
-#define KIVXX_BIGINT_RECIPROCAL_H
+#ifndef KIV_BIGINT_RECIPROCAL_H
+#define KIV_BIGINT_RECIPROCAL_H
 
 #include "bigint/words.h"
 

@@ -1,7 +1,7 @@
 // Words for the time of one call: on the stack if they are few.
 
-#ifndef KIVXX_BIGINT_SCRATCH_H
-#define KIVXX_BIGINT_SCRATCH_H
+#ifndef KIV_BIGINT_SCRATCH_H
+#define KIV_BIGINT_SCRATCH_H
 
 #include <memory>
 

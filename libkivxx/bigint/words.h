@@ -3,8 +3,8 @@
 // A limb is two words wherever the words lie; an odd top word is handled apart. No
 // count is 0 unless said.
 
-#ifndef KIVXX_BIGINT_WORDS_H
-#define KIVXX_BIGINT_WORDS_H
+#ifndef KIV_BIGINT_WORDS_H
+#define KIV_BIGINT_WORDS_H
 
 #include <bit>
 #include <cstdint>

@@ -44,6 +44,19 @@ template <class Traits>
 EncodeProgress encode_multi_byte(const std::uint16_t* index, const std::uint16_t* data,
                                  const char16* in, const char16* in_end,
                                  unsigned char* out, unsigned char* out_end);
+
+template <>
+DecodeProgress decode_multi_byte<GB18030Traits>(const std::uint16_t* index,
+                                                const char16_t* data,
+                                                const unsigned char* in,
+                                                const unsigned char* in_end, char16* out,
+                                                char16* out_end);
+template <>
+EncodeProgress encode_multi_byte<GB18030Traits>(const std::uint16_t* index,
+                                                const std::uint16_t* data,
+                                                const char16* in, const char16* in_end,
+                                                unsigned char* out,
+                                                unsigned char* out_end);
 }  // namespace portable
 
 template <class Traits>

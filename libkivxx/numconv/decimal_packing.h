@@ -7,7 +7,7 @@
 #include <cstdint>
 
 #include <kiv/big_uint.h>
-#include <kiv/decimal.h>
+#include <kiv/kdecimal.h>
 
 namespace kiv::numconv {
 
