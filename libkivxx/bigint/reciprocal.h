@@ -41,6 +41,12 @@ private:
     Limb m_v;
 };
 
+// Decimal text is made in chunks: digits to the base 10^19, the largest power of ten in a
+// limb.
+constexpr unsigned CHUNK_DIGITS = 19;
+constexpr Limb CHUNK = 10'000'000'000'000'000'000U;
+constexpr Reciprocal chunk_divisor(CHUNK, 0xD83C94FB6D2AC34A);
+
 // The same for two limbs: floor((2^192 - 1) / d) - 2^64.
 class WideReciprocal {
 public:

@@ -1,76 +1,15 @@
 #include "numconv/binary_assembly.h"
 
 #include <bit>
-#include <cfloat>
-#include <cstddef>
-#include <limits>
-#include <type_traits>
 
 #include <kiv/numconv.h>
 
 #include "bigint/powers.h"
+#include "numconv/decimal_to_binary.h"
 #include "numconv/scaling.h"
 
 namespace kiv::numconv {
 namespace {
-
-template <class Float>
-struct BinaryFormat {
-    using Limits = std::numeric_limits<Float>;
-    static_assert(Limits::is_iec559 && sizeof(Float) <= 8);
-    using Bits = std::conditional_t<sizeof(Float) == 4, std::uint32_t, std::uint64_t>;
-
-    static constexpr int PRECISION = Limits::digits;  // with the implicit bit
-    // Of the leading bit, while it is implicit.
-    static constexpr int MAX_EXPONENT = Limits::max_exponent - 1;
-    static constexpr int MIN_EXPONENT = Limits::min_exponent - 1;
-    // Values from 10^(MAX_LOG10 + 1) on are above the largest finite value, values
-    // below 10^MIN_LOG10 are below half of the smallest subnormal one.
-    static constexpr int MAX_LOG10 = Limits::max_exponent10;
-    static constexpr int MIN_LOG10 = sizeof(Float) == 4 ? -46 : -324;
-    // 10^n is exact as long as 5^n fits in the significand.
-    static constexpr std::size_t EXACT_POWERS = sizeof(Float) == 4 ? 11 : 23;
-
-    static constexpr Bits bits(bool negative, int biased_exponent, std::uint64_t fraction)
-    {
-        return Bits{negative} << (sizeof(Bits) * 8 - 1) |
-               static_cast<Bits>(static_cast<Bits>(biased_exponent) << (PRECISION - 1)) |
-               static_cast<Bits>(fraction);
-    }
-};
-
-template <class Float>
-constexpr Float signed_zero(bool negative)
-{
-    return negative ? Float{-0.0} : Float{0};
-}
-
-template <class Float>
-constexpr Float signed_infinity(bool negative)
-{
-    constexpr Float INFINITE = std::numeric_limits<Float>::infinity();
-    return negative ? -INFINITE : INFINITE;
-}
-
-template <class Float>
-struct PowersOfTen {
-    Float values[BinaryFormat<Float>::EXACT_POWERS];
-
-    constexpr PowersOfTen() : values()
-    {
-        Float power = 1;
-        for (Float& value : values) {
-            value = power;
-            power *= 10;
-        }
-    }
-};
-
-template <class Float>
-constexpr PowersOfTen<Float> POWERS_OF_TEN;
-
-static_assert(POWERS_OF_TEN<float>.values[10] == 1e10F);
-static_assert(POWERS_OF_TEN<double>.values[22] == 1e22);
 
 // Rounds once: subnormal values too go from all bits straight to those that stay.
 template <class Float>
@@ -80,18 +19,18 @@ Float assemble(bool negative, std::int64_t exponent, std::uint64_t coefficient,
     using Format = BinaryFormat<Float>;
     using Bits = typename Format::Bits;
     if (coefficient == 0)
-        return signed_zero<Float>(negative);
+        return Format::with_sign(negative, 0);
 
     const int length = 64 - std::countl_zero(coefficient);
     const std::int64_t leading = exponent + length - 1;  // exponent of the leading bit
     if (leading > Format::MAX_EXPONENT)
-        return signed_infinity<Float>(negative);
+        return Format::with_sign(negative, Format::INFINITE);
     std::int64_t excess = length - Format::PRECISION;  // bits to remove
     int biased = 0;
     if (leading < Format::MIN_EXPONENT) {
         excess += Format::MIN_EXPONENT - leading;
         if (excess > length)
-            return signed_zero<Float>(negative);  // below half of the last bit
+            return Format::with_sign(negative, 0);  // below half of the last bit
     } else {
         biased = static_cast<int>(leading) + Format::MAX_EXPONENT;
     }
@@ -107,12 +46,14 @@ Float assemble(bool negative, std::int64_t exponent, std::uint64_t coefficient,
     }
 
     constexpr std::uint64_t FRACTION = (std::uint64_t{1} << (Format::PRECISION - 1)) - 1;
-    Bits bits = Format::bits(negative, biased, coefficient & FRACTION);
+    auto bits = static_cast<Bits>(
+        (static_cast<std::uint64_t>(biased) << (Format::PRECISION - 1)) |
+        (coefficient & FRACTION));
     // The carry runs into the exponent: the next binade, the smallest normal number
     // or infinity.
     if (info == ABOVE_HALF || (info == HALF && (coefficient & 1) != 0))
         ++bits;
-    return std::bit_cast<Float>(bits);
+    return Format::with_sign(negative, bits);
 }
 
 // coefficient / 5^n * 2^exponent, rounded from the exact quotient: of it, 63 or 64
@@ -127,17 +68,6 @@ Float assemble_quotient(bool negative, std::int64_t exponent, const big_uint& co
     const Quotient quotient = divide(coefficient, shift, divisor);
     return assemble<Float>(negative, exponent - shift, quotient.value.to_uint64(),
                            quotient.inexact ? BELOW_HALF : 0);
-}
-
-// Both factors are exact and the operation rounds once.
-template <class Float>
-Float exactly_scaled(bool negative, int exponent, std::uint64_t coefficient)
-{
-    const Float value = static_cast<Float>(coefficient);
-    const auto& powers = POWERS_OF_TEN<Float>.values;
-    const Float result =
-        exponent < 0 ? value / powers[-exponent] : value * powers[exponent];
-    return negative ? -result : result;
 }
 
 }  // namespace
@@ -164,19 +94,16 @@ Float assemble_decimal(bool negative, std::int64_t exponent, const big_uint& coe
                        unsigned dropped)
 {
     using Format = BinaryFormat<Float>;
-    constexpr auto MAX_EXACT = static_cast<std::int64_t>(Format::EXACT_POWERS) - 1;
 
     const unsigned length = coefficient.bit_length();
     if (length == 0)
-        return signed_zero<Float>(negative);
-    if (FLT_EVAL_METHOD == 0 && dropped == 0 && length <= unsigned{Format::PRECISION} &&
-        exponent >= -MAX_EXACT && exponent <= MAX_EXACT)
-        return exactly_scaled<Float>(negative, static_cast<int>(exponent),
-                                     coefficient.to_uint64());
+        return Format::with_sign(negative, 0);
+    if (length <= 64 && dropped == 0)
+        return decimal_to_binary<Float>(negative, coefficient.to_uint64(), exponent);
     if (log10_at_least(length) + exponent > Format::MAX_LOG10)
-        return signed_infinity<Float>(negative);
+        return Format::with_sign(negative, Format::INFINITE);
     if (log10_at_most(length) + exponent < Format::MIN_LOG10)
-        return signed_zero<Float>(negative);
+        return Format::with_sign(negative, 0);
     if (exponent == 0)
         return assemble_binary<Float>(negative, 0, coefficient, dropped);
 

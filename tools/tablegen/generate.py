@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Makes every generated table from the files in data/.
+"""Makes every generated table, most from the files in data/.
 
     tools/tablegen/generate.py [--out DIR]
 
@@ -14,6 +14,7 @@ import classification
 import companion
 import dbcs
 import gb18030
+import powers_of_five
 import sbcs
 import tablegen
 
@@ -24,6 +25,7 @@ GENERATORS = [
     sbcs,
     dbcs,
     gb18030,
+    powers_of_five,
 ]
 
 
