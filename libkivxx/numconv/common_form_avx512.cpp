@@ -25,8 +25,7 @@ KIV_AVX512 inline __m256i splat(char c) noexcept
     return _mm256_set1_epi8(c);
 }
 
-// --- Up to 16 characters: integers
-// ------------------------------------------------------
+// --- Up to 16 characters: integers -------------------------------------------------
 
 KIV_AVX512 inline __mmask16 first_16(std::ptrdiff_t n) noexcept
 {

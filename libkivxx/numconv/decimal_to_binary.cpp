@@ -7,7 +7,7 @@ Bounds<Float> bounds(const Normalized& coefficient, int exponent) noexcept
 {
     const std::uint64_t w = coefficient.word;
     const words::Wide& power = tables::power_of_five(exponent);
-    const int binary_exponent = exponent_of_product(coefficient, exponent);
+    const int binary_exponent = exponent_of_product(coefficient.shift, exponent);
     const words::Wide lower = words::multiply(w, power.low);
     const words::Wide product =
         words::add(words::multiply(w, power.high), {0, lower.high});

@@ -32,6 +32,18 @@ namespace kiv::numconv {
 constexpr int LEAST_EXPONENT = tables::LEAST_POWER_OF_FIVE;
 constexpr int MOST_EXPONENT = 308;
 
+// That of bit 62 of the top word, of a coefficient of 64 bits times 2^shift and the 128
+// bits of the power of five, which has 2^(floor - 127) in it.
+inline int exponent_of_product(int shift, int exponent) noexcept
+{
+    return tables::floor_log2_of_power_of_five(exponent) + exponent + shift + 63;
+}
+
+constexpr bool is_power_exact(int exponent) noexcept
+{
+    return exponent >= 0 && exponent <= 55;
+}
+
 // --- 1. One operation --------------------------------------------------------------
 
 template <class Float>
@@ -160,20 +172,7 @@ struct Bounds {
 template <class Float>
 Bounds<Float> bounds(const Normalized& coefficient, int exponent) noexcept;
 
-// The product has the exponent of two of the word, the power and 5^exponent's own.
-inline int exponent_of_product(const Normalized& coefficient, int exponent) noexcept
-{
-    return tables::floor_log2_of_power_of_five(exponent) + exponent + coefficient.shift +
-           63;
-}
-
-constexpr bool is_power_exact(std::int64_t exponent) noexcept
-{
-    return exponent >= 0 && exponent <= 55;
-}
-
-// --- 3. Integers
-// -------------------------------------------------------------------------
+// --- 3. Integers -------------------------------------------------------------------
 
 struct ExactDecimal {
     FixedUint coefficient;  // at most 770 digits
@@ -185,8 +184,7 @@ template <class Float>
 typename BinaryFormat<Float>::Bits resolved(const Bounds<Float>& bounds,
                                             ExactDecimal value) noexcept;
 
-// --- All three
-// ---------------------------------------------------------------------------
+// --- All three ---------------------------------------------------------------------
 
 // What the first way, or the second with the upper half of the power alone, makes a
 // normal number; false for everything else. The coefficient is not 0.
@@ -215,8 +213,7 @@ KIV_INLINE bool decimal_to_binary_quickly(bool negative, std::uint64_t coefficie
         return false;
 
     const auto top = static_cast<int>(product >> 63);
-    const int biased = tables::floor_log2_of_power_of_five(e) + e + 63 - zeros + top -
-                       Format::MIN_EXPONENT;
+    const int biased = exponent_of_product(-zeros, e) + top - Format::MIN_EXPONENT;
     // Nor the binade that may round up to infinity.
     if (static_cast<unsigned>(biased) >=
         unsigned{Format::MAX_EXPONENT - Format::MIN_EXPONENT})

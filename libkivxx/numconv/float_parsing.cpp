@@ -165,8 +165,7 @@ from_chars_result<CharT> parse_any(Text text, Float& value, unsigned flags) noex
     return evaluate(scan, text.at(), value, flags);
 }
 
-// --- Shapes
-// --------------------------------------------------------------------------------
+// --- Shapes ------------------------------------------------------------------------
 
 constexpr unsigned AS_STRTOD = PLUS | WHITE_SPACE | ROUNDS_TWICE;
 

@@ -81,8 +81,7 @@ from_chars_result<CharT> parse_any(Text text, T& value, int base, unsigned flags
     return {text.at(), std::errc(), number_range::inside};
 }
 
-// --- Shapes
-// --------------------------------------------------------------------------------
+// --- Shapes ------------------------------------------------------------------------
 
 // A sign of an unsigned type is no number.
 template <class T>

@@ -86,7 +86,7 @@ extern const ParseKernels avx512_parse_kernels;
 #endif
 
 // The set in use. The one that it begins with chooses, at the first call.
-extern std::atomic<const ParseKernels*> chosen_parse_kernels;
+extern constinit std::atomic<const ParseKernels*> chosen_parse_kernels;
 
 template <class T, class CharT>
 KIV_INLINE auto parse_kernel() noexcept
