@@ -29,8 +29,8 @@ namespace kiv::numconv {
 
 // Beyond these the result is zero or infinite for every coefficient that is not 0 and
 // has up to 20 digits.
-constexpr int LEAST_EXPONENT = tables::LEAST_POWER_OF_FIVE;
-constexpr int MOST_EXPONENT = 308;
+constexpr int LEAST_POWER_OF_TEN = tables::LEAST_POWER_OF_FIVE;
+constexpr int MOST_POWER_OF_TEN = 308;
 
 // That of bit 62 of the top word, of a coefficient of 64 bits times 2^shift and the 128
 // bits of the power of five, which has 2^(floor - 127) in it.
@@ -197,7 +197,7 @@ KIV_INLINE bool decimal_to_binary_quickly(bool negative, std::uint64_t coefficie
         value = exactly_scaled<Float>(negative, exponent, coefficient);
         return true;
     }
-    if (exponent < LEAST_EXPONENT || exponent > MOST_EXPONENT)
+    if (exponent < LEAST_POWER_OF_TEN || exponent > MOST_POWER_OF_TEN)
         return false;
 
     const int e = static_cast<int>(exponent);
@@ -232,12 +232,12 @@ Float decimal_to_binary(bool negative, std::uint64_t coefficient,
                         std::int64_t exponent) noexcept
 {
     using Format = BinaryFormat<Float>;
-    if (coefficient == 0 || exponent < LEAST_EXPONENT)
+    if (coefficient == 0 || exponent < LEAST_POWER_OF_TEN)
         return Format::with_sign(negative, 0);
     Float value;
     if (decimal_to_binary_quickly(negative, coefficient, exponent, value)) [[likely]]
         return value;
-    if (exponent > MOST_EXPONENT)
+    if (exponent > MOST_POWER_OF_TEN)
         return Format::with_sign(negative, Format::INFINITE);
 
     const auto found = bounds<Float>(normalized(coefficient), static_cast<int>(exponent));
@@ -256,9 +256,9 @@ Float decimal_to_binary(bool negative, words::Wide coefficient, std::int64_t exp
     using Format = BinaryFormat<Float>;
     if (coefficient.high == 0 && !more)
         return decimal_to_binary<Float>(negative, coefficient.low, exponent);
-    if (exponent < LEAST_EXPONENT)
+    if (exponent < LEAST_POWER_OF_TEN)
         return Format::with_sign(negative, 0);
-    if (exponent > MOST_EXPONENT)
+    if (exponent > MOST_POWER_OF_TEN)
         return Format::with_sign(negative, Format::INFINITE);
 
     const auto found =
