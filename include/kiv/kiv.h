@@ -12,7 +12,9 @@
 #include <kiv/decimal.h>
 #include <kiv/export.h>
 #include <kiv/kdecimal.h>
+#include <kiv/locale.h>
 #include <kiv/numconv.h>
+#include <kiv/stream.h>
 #include <kiv/string_ref.h>
 #include <kiv/utility.h>
 
