@@ -75,7 +75,7 @@ int main(int argc, char** argv)
             sum += value;
     }
     if (in.bad()) {
-        std::cerr << "the file is not in that charset\n";
+        std::cerr << "the file cannot be read, or is not in that charset\n";
         return 1;
     }
 

@@ -130,7 +130,7 @@ struct KIV_API std::char_traits<kiv::char16> {
             return d;
         if (std::is_constant_evaluated())
             return move_each(d, s, n);
-        return static_cast<char_type*>(__builtin_memmove(d, s, n * sizeof(char_type)));
+        return static_cast<char_type*>(__builtin_memmove(d, s, bytes(n)));
     }
 
     static constexpr char_type* copy(char_type* d, const char_type* s,
@@ -140,7 +140,7 @@ struct KIV_API std::char_traits<kiv::char16> {
             return d;
         if (std::is_constant_evaluated())
             return move_each(d, s, n);
-        return static_cast<char_type*>(__builtin_memcpy(d, s, n * sizeof(char_type)));
+        return static_cast<char_type*>(__builtin_memcpy(d, s, bytes(n)));
     }
 
     // Some standard libraries ask for variants that know the room; the caller
@@ -168,6 +168,14 @@ struct KIV_API std::char_traits<kiv::char16> {
     }
 
 private:
+    // No array is larger. Unless told, g++ warns of copies that cannot be.
+    static constexpr std::size_t bytes(std::size_t n) noexcept
+    {
+        if (n > PTRDIFF_MAX / sizeof(char_type))
+            __builtin_unreachable();
+        return n * sizeof(char_type);
+    }
+
     // Constant evaluation can order pointers only within one array: copying
     // through the direction that equality finds is enough there.
     static constexpr char_type* move_each(char_type* d, const char_type* s,

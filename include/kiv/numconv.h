@@ -7,18 +7,22 @@
 //     auto [end, error] = kiv::from_chars_c(p, p + n, port);
 //     if (error != std::errc()) ...
 //
-// Everything exists for char and char16 text. The decimal point is '.', always. In
-// UTF-16 text the decimal digits of every script count as digits.
+//     kiv::CharIterator it("12 34");                            // one after the other
+//     int sum = kiv::stoi_c(it) + kiv::stoi_c(it);
+//
+// Everything exists for char and char16 text, u"1.5"_usv for one. The decimal point is
+// '.', always. In UTF-16 text the decimal digits of every script count as digits.
 //
 // The processor is taken to round to nearest, as it does unless told otherwise. All
-// may be called from any thread. Nothing allocates but the strings returned, and
-// coefficients beyond 256 bits given as big_uint.
+// may be called from any thread. Parsing and formatting allocate nothing but strings
+// that they return and errors that they throw.
 
 #ifndef KIV_NUMCONV_H
 #define KIV_NUMCONV_H
 
 #include <charconv>
 #include <compare>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <stdexcept>
@@ -36,10 +40,11 @@ namespace kiv {
 
 // --- Parsing: three shapes ---------------------------------------------------------
 //
-// strtoX_c(s, &end)   s ends with a zero and is read once. end may be null; it is set
-//                     past the number, or to s if there is none, which gives 0. A
-//                     value out of range sets errno to ERANGE and gives the nearest
-//                     limit of the type or the infinity; errno is untouched otherwise.
+// strtoX_c(s, &end)   s ends with a zero; its length is not measured first. end may be
+//                     null; it is set past the number, or to s if there is none, which
+//                     gives 0. A value out of range sets errno to ERANGE and gives the
+//                     nearest limit of the type or the infinity; errno is untouched
+//                     otherwise.
 // stoX_c(s, &idx)     s is a view; idx may be null. idx is set to the number of units
 //                     read, white space included. std::invalid_argument without a
 //                     number (idx untouched), std::out_of_range beyond the type (idx
@@ -177,7 +182,7 @@ KIV_API unsigned long long stoull_c(BasicCharIterator<char16>& it, int base = 10
 //         nan is positive
 //
 // The nearest value, ties to even, of up to 20 significant digits (14 hexadecimal
-// ones). A longer number is rounded to 20 digits and then to the type, unless its
+// ones). A longer decimal number is rounded to 20 digits and then to the type, unless its
 // exponent, counted from the 20th digit, is 0; from_chars_c rounds any length once. An
 // exponent of more than nine digits, zeros included, counts as infinite. What is too
 // small becomes a subnormal number or zero, without an error. O(length).
@@ -249,9 +254,10 @@ constexpr bool operator&(leading a, leading b) noexcept
     return (static_cast<unsigned>(a) & static_cast<unsigned>(b)) != 0;
 }
 
-// The same text as above, without a '+' and white space unless `allowed` says so, in
-// [first, last). They never throw and leave errno alone. Without a number, and where
-// an integer is out of range, value is untouched.
+// The same text as above in [first, last), prefixes of base 16 included, but without
+// white space and '+' unless `allowed` says so, a '+' of an unsigned type then, too.
+// They never throw and leave errno alone. Without a number, and where an integer is out
+// of range, value is untouched.
 
 KIV_API from_chars_result<char> from_chars_c(const char* first, const char* last,
                                              int& value, int base = 10,
@@ -289,6 +295,14 @@ KIV_API from_chars_result<char> from_chars_c(const char* first, const char* last
 KIV_API from_chars_result<char16> from_chars_c(const char16* first, const char16* last,
                                                unsigned long long& value, int base = 10,
                                                leading allowed = leading::none) noexcept;
+
+// To the base 10: from_chars_c(p, p + n, port, leading::white_space).
+template <class CharT, std::integral T>
+from_chars_result<CharT> from_chars_c(const CharT* first, const CharT* last, T& value,
+                                      leading allowed) noexcept
+{
+    return from_chars_c(first, last, value, 10, allowed);
+}
 
 // Correctly rounded at any length; an exponent may have any number of digits. Out of
 // range, value becomes the infinity or the zero with the number's sign.
@@ -496,8 +510,8 @@ KIV_API bool sign_bit(long double value) noexcept;
 // Every result is the value of its type that is nearest to the exact one, ties to
 // even, for every coefficient and exponent. What is too large becomes an infinity,
 // what is too small a subnormal number or zero; a zero coefficient gives zero
-// whatever the exponent. The sign is kept in each of these cases. Nothing is thrown
-// but std::bad_alloc.
+// whatever the exponent. The sign is kept in each of these cases. Long coefficients and
+// products may allocate, and throw std::bad_alloc but nothing else.
 
 // (-1)^negative * coefficient * 10^exponent. Without long arithmetic for a coefficient
 // below 2^53 (2^24 for float) and an exponent from -22 to 22 (-10 to 10).

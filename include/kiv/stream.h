@@ -10,12 +10,19 @@
 // their members. Each starts with the classic ulocale, whatever the global ones
 // are, and what is chained stays on the library's type.
 //
-// A unit U+FFFF has the value of the end-of-file mark of char16_int: reading by
-// units ends at it, with the eofbit, and a put() of it may write nothing. It is
-// a noncharacter, not meant for text that is passed on.
+// A unit U+FFFF, a noncharacter, has the value of the end-of-file mark of
+// char16_int. Words and lines read into a ustring hold it like any other unit if
+// the stream buffer has an array, as those of strings and files have, and so
+// does text inserted into a uofstream. All other input ends at it, with the
+// eofbit, or may do so; put() of it sets the badbit; and a string stream drops
+// it where its buffer has to grow just then.
 //
-// A moved-from stream is as one newly constructed, without text. A stream may
-// not be used by two threads at once.
+// Where a single unit is expected (fill, delimiters), a char converts as a
+// number and should be ASCII.
+//
+// A moved-from stream is as one newly constructed, without text. Assignment by
+// move swaps, except that a file stream first closes its own file and leaves
+// none to the other. A stream may not be used by two threads at once.
 
 #ifndef KIV_STREAM_H
 #define KIV_STREAM_H
@@ -28,6 +35,8 @@
 #include <ostream>
 #include <sstream>
 #include <streambuf>
+#include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include <kiv/char16.h>
@@ -78,6 +87,23 @@ concept file_path = requires(const Path& path)
         } -> std::convertible_to<const char*>;
 };
 
+template <class T, class... Choices>
+inline constexpr bool IS_ONE_OF = (std::is_same_v<T, Choices> || ...);
+
+// Pointers to and arrays of units, const or not.
+template <class T, class Pointer = std::decay_t<T>>
+inline constexpr bool IS_TEXT_POINTER = std::is_pointer_v<Pointer>&&
+    IS_ONE_OF<std::remove_cv_t<std::remove_pointer_t<Pointer>>, char, char16, char16_t,
+              wchar_t, char8_t, char32_t>;
+
+// What has no member of uostream that would print or refuse it.
+template <class T>
+concept other_value =
+    !IS_TEXT_POINTER<T> && requires(std::basic_ostream<char16> & out, const T& value)
+{
+    out << value;
+};
+
 }  // namespace detail
 
 // --- Input ---------------------------------------------------------------------
@@ -92,7 +118,8 @@ public:
     explicit uistream(streambuf_type* sb);
     ~uistream() override;
 
-    // Returns the previous locale, which the second form takes back.
+    // Returns the previous locale, which the second form takes back. Given a
+    // locale without the facets of char16, the stream goes bad at any number.
     std::locale imbue(const ulocale& locale);
     using std::basic_ios<char16>::imbue;
 
@@ -119,6 +146,10 @@ public:
     uistream& operator>>(ustring& text);
 
     uistream& operator>>(streambuf_type* sb) { return extract(sb); }
+    uistream& operator>>(uistream& (*manipulator)(uistream&))
+    {
+        return manipulator(*this);
+    }
     uistream& operator>>(input& (*manipulator)(input&)) { return extract(manipulator); }
     uistream& operator>>(std::basic_ios<char16>& (*manipulator)(std::basic_ios<char16>&))
     {
@@ -200,6 +231,7 @@ public:
     explicit uostream(streambuf_type* sb);
     ~uostream() override;
 
+    // As for uistream.
     std::locale imbue(const ulocale& locale);
     using std::basic_ios<char16>::imbue;
 
@@ -224,6 +256,8 @@ public:
     uostream& operator<<(const char16* text);
     uostream& operator<<(const char16_t* text);
     uostream& operator<<(const char* text);
+    uostream& operator<<(std::u16string_view text);
+    uostream& operator<<(std::string_view text);
     uostream& operator<<(char16 unit);
     uostream& operator<<(char16_t unit);
     uostream& operator<<(char c);
@@ -236,6 +270,10 @@ public:
     uostream& operator<<(const char32_t*) = delete;
 
     uostream& operator<<(streambuf_type* sb) { return insert(sb); }
+    uostream& operator<<(uostream& (*manipulator)(uostream&))
+    {
+        return manipulator(*this);
+    }
     uostream& operator<<(output& (*manipulator)(output&)) { return insert(manipulator); }
     uostream& operator<<(std::basic_ios<char16>& (*manipulator)(std::basic_ios<char16>&))
     {
@@ -246,8 +284,7 @@ public:
         return insert(manipulator);
     }
     // Whatever else a standard stream takes, std::setw(8) for one.
-    template <class T>
-    requires requires(output& out, const T& value) { out << value; }
+    template <detail::other_value T>
     uostream& operator<<(const T& value)
     {
         static_cast<output&>(*this) << value;
@@ -257,6 +294,12 @@ public:
     // --- Unformatted -------------------------------------------------------
 
     uostream& put(char16 unit) { return self(output::put(unit)); }
+    // Widened as by <<.
+    template <std::same_as<char> Char>
+    uostream& put(Char c)
+    {
+        return put(this->widen(c));
+    }
     uostream& write(const char16* units, std::streamsize n)
     {
         return self(output::write(units, n));
@@ -393,6 +436,10 @@ public:
 // itself is thrown. REPLACE and IGNORE go on behind it. A byte order mark is
 // text like any other. There is no seeking.
 //
+// A reader at the end of a file that has grown goes on after clear(). With
+// unitbuf, a writer whose exception mask has the badbit throws what was wrong
+// with one insertion from the next one, or from close().
+//
 // A file that does not open, or a charset that is null, sets the failbit.
 
 class KIV_API uifstream : public uistream {
@@ -423,8 +470,8 @@ public:
     bool is_open() const;
     void close();
 
-    // What becomes of faults from here on: after clear(), a stream that met
-    // one goes on at it.
+    // What becomes of faults of the open file from here on: after clear(), a
+    // stream that met one goes on at it.
     void onFault(CodingErrorAction action);
 
 private:
@@ -464,6 +511,9 @@ public:
     bool is_open() const;
     // Writes all that is left; half a surrogate pair is a fault now.
     void close();
+
+    // As for uifstream. What was to be written behind the fault still is.
+    void onFault(CodingErrorAction action);
 
 private:
     std::unique_ptr<detail::file_writer> m_file;

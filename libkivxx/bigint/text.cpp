@@ -1,10 +1,10 @@
 // big_uint: decimal text.
 
-#include <bit>
 #include <cstddef>
 
 #include <kiv/big_uint.h>
 
+#include "bigint/digit_text.h"
 #include "bigint/reciprocal.h"
 #include "bigint/scratch.h"
 #include "bigint/words.h"
@@ -13,14 +13,13 @@ namespace kiv {
 
 namespace {
 
+using words::CHUNK;
+using words::CHUNK_DIGITS;
+using words::chunk_divisor;
 using words::Limb;
 using words::Word;
 
-// --- Chunks: digits to the base 10^19, the largest power of ten in a limb ----------
-
-constexpr unsigned CHUNK_DIGITS = 19;
-constexpr Limb CHUNK = 10'000'000'000'000'000'000U;
-constexpr words::Reciprocal chunk_divisor(CHUNK, 0xD83C94FB6D2AC34A);
+// --- Chunks ------------------------------------------------------------------------
 
 // Divides n limbs by 10^19 as many times as there are remainders, in one pass: each
 // digit of a quotient goes into the next division at once. One division waits for its
@@ -66,61 +65,7 @@ unsigned to_chunks(Word* limbs, unsigned n, Word* chunks) noexcept
     return count;
 }
 
-// --- Digits ------------------------------------------------------------------------
-
-constexpr char DIGIT_PAIRS[] =
-    "00010203040506070809101112131415161718192021222324"
-    "25262728293031323334353637383940414243444546474849"
-    "50515253545556575859606162636465666768697071727374"
-    "75767778798081828384858687888990919293949596979899";
-
-char as_character(char c, char) noexcept
-{
-    return c;
-}
-
-char16 as_character(char c, char16) noexcept
-{
-    return static_cast<char16_t>(c);
-}
-
-template <class CharT>
-void write_pair(CharT* to, unsigned value) noexcept
-{
-    to[0] = as_character(DIGIT_PAIRS[2 * value], CharT());
-    to[1] = as_character(DIGIT_PAIRS[2 * value + 1], CharT());
-}
-
-template <class CharT>
-void write_eight(CharT* to, std::uint32_t value) noexcept
-{
-    const std::uint32_t high = value / 10000;
-    const std::uint32_t low = value % 10000;
-    write_pair(to, high / 100);
-    write_pair(to + 2, high % 100);
-    write_pair(to + 4, low / 100);
-    write_pair(to + 6, low % 100);
-}
-
-template <class CharT>
-void write_chunk(CharT* to, Limb value) noexcept
-{
-    const Limb low = value % 10'000'000'000'000'000;
-    const auto high = static_cast<unsigned>(value / 10'000'000'000'000'000);
-    to[0] = as_character(static_cast<char>('0' + high / 100), CharT());
-    write_pair(to + 1, high % 100);
-    write_eight(to + 3, static_cast<std::uint32_t>(low / 100'000'000));
-    write_eight(to + 11, static_cast<std::uint32_t>(low % 100'000'000));
-}
-
-unsigned count_digits(Limb value) noexcept
-{
-    // 1233 / 4096 is log10(2), a little more than it.
-    const auto bits = static_cast<unsigned>(64 - std::countl_zero(value | 1));
-    const unsigned estimate = bits * 1233 >> 12;
-    return value < big_uint::pow10_table[estimate] && estimate != 0 ? estimate
-                                                                    : estimate + 1;
-}
+// --- Text ---------------------------------------------------------------------------
 
 template <class String>
 String to_text(const Word* words, unsigned size)
@@ -139,15 +84,15 @@ String to_text(const Word* words, unsigned size)
 
     CharT top[CHUNK_DIGITS];
     const Limb top_chunk = words::load(chunks + 2 * count - 2);
-    const unsigned top_digits = count_digits(top_chunk);
-    write_chunk(top, top_chunk);
+    const unsigned top_digits = words::count_digits(top_chunk);
+    words::write_chunk(top, top_chunk);
     String text;
     text.resize(top_digits + std::size_t{count - 1} * CHUNK_DIGITS);
     CharT* to = text.data();
     String::traits_type::copy(to, top + CHUNK_DIGITS - top_digits, top_digits);
     to += top_digits;
     for (unsigned i = count - 1; i-- != 0; to += CHUNK_DIGITS)
-        write_chunk(to, words::load(chunks + 2 * i));
+        words::write_chunk(to, words::load(chunks + 2 * i));
     return text;
 }
 

@@ -23,7 +23,7 @@ public:
     using Limb = words::Limb;
 
     // 2^3072 is above 10^924: 770 digits times any shift that aligns them with a
-    // midpoint of two doubles (at most 53 bits times 5^1110, 2632 bits).
+    // midpoint of two doubles (at most 54 bits times 5^1092, 2590 bits).
     static constexpr unsigned CAPACITY = 48;
 
     explicit FixedUint(Limb value = 0) noexcept : m_size(value != 0)

@@ -44,37 +44,58 @@ units find_unit(units first, units last, char16 unit)
 
 enum class Stopped { AT_STOP, AT_LIMIT, AT_END };
 
-// Moves units from the buffer to the text, up to the one that find_stop(first,
-// last) returns the place of, which stays in the buffer, at most `limit`.
-template <class FindStop>
-Stopped move_text(streambuf& sb, ustring& text, std::size_t limit, FindStop find_stop)
+// Takes units out of the buffer, up to the one that find_stop(first, last)
+// returns the place of, which stays there, at most `limit`; gives them to take()
+// in runs.
+template <class FindStop, class Take>
+Stopped take_units(streambuf& sb, std::size_t limit, FindStop find_stop, Take take)
 {
     while (limit != 0) {
         const char16_int next = sb.sgetc();  // fills the array as well
-        if (traits::eq_int_type(next, traits::eof()))
-            return Stopped::AT_END;
         const units first = get_area::begin(sb);
         const auto room = static_cast<std::size_t>(get_area::end(sb) - first);
-        if (room == 0) {  // a buffer that gives one unit at a time
+        if (room == 0) {
+            if (traits::eq_int_type(next, traits::eof()))
+                return Stopped::AT_END;
+            // A buffer that gives one unit at a time.
             const char16 unit = traits::to_char_type(next);
             if (find_stop(&unit, &unit + 1) == &unit)
                 return Stopped::AT_STOP;
-            text += unit;
+            take(&unit, 1);
             sb.sbumpc();
             --limit;
             continue;
         }
-        // gbump() takes an int.
+        // In an array a U+FFFF is a unit. gbump() takes an int.
         constexpr std::size_t RUN = std::numeric_limits<int>::max();
         const units last = first + std::min({room, limit, RUN});
         const units stop = find_stop(first, last);
-        text.append(first, stop);
+        const auto taken = static_cast<std::size_t>(stop - first);
+        take(first, taken);
         get_area::advance(sb, stop - first);
         if (stop != last)
             return Stopped::AT_STOP;
-        limit -= static_cast<std::size_t>(stop - first);
+        limit -= taken;
     }
     return Stopped::AT_LIMIT;
+}
+
+template <class FindStop>
+Stopped move_text(streambuf& sb, ustring& text, std::size_t limit, FindStop find_stop)
+{
+    text.clear();
+    return take_units(sb, limit, find_stop,
+                      [&text](units first, std::size_t n) { text.append(first, n); });
+}
+
+// False at the end. The sentry's own way stops at a U+FFFF.
+bool skip_space(streambuf& sb, const std::ctype<char16>& ctype)
+{
+    const auto find_other = [&ctype](units first, units last) {
+        return ctype.scan_not(std::ctype_base::space, first, last);
+    };
+    constexpr auto ALL = std::numeric_limits<std::size_t>::max();
+    return take_units(sb, ALL, find_other, [](units, std::size_t) {}) != Stopped::AT_END;
 }
 
 }  // namespace
@@ -82,24 +103,25 @@ Stopped move_text(streambuf& sb, ustring& text, std::size_t limit, FindStop find
 uistream& uistream::operator>>(ustring& text)
 {
     std::ios_base::iostate state = std::ios_base::goodbit;
-    if (const sentry ready(*this); ready) {
-        try {
-            text.clear();
+    if (const sentry ready(*this, true); ready)
+        report_buffer_fault(*this, [&] {
+            streambuf& sb = *input::rdbuf();
+            const auto& ctype = std::use_facet<std::ctype<char16>>(getloc());
+            if ((flags() & skipws) != 0 && !skip_space(sb, ctype)) {
+                state = eofbit | failbit;
+                return;
+            }
             const auto limit =
                 width() > 0 ? static_cast<std::size_t>(width()) : text.max_size();
-            const auto& ctype = std::use_facet<std::ctype<char16>>(getloc());
             const auto find_space = [&ctype](units first, units last) {
                 return ctype.scan_is(std::ctype_base::space, first, last);
             };
-            if (move_text(*input::rdbuf(), text, limit, find_space) == Stopped::AT_END)
-                state |= std::ios_base::eofbit;
+            if (move_text(sb, text, limit, find_space) == Stopped::AT_END)
+                state |= eofbit;
             width(0);
             if (text.empty())
-                state |= std::ios_base::failbit;
-        } catch (...) {
-            report_buffer_fault(*this);
-        }
-    }
+                state |= failbit;
+        });
     if (state != std::ios_base::goodbit)
         setstate(state);
     return *this;
@@ -108,9 +130,8 @@ uistream& uistream::operator>>(ustring& text)
 uistream& getline(uistream& in, ustring& text, char16 delimiter)
 {
     std::ios_base::iostate state = std::ios_base::goodbit;
-    if (const uistream::sentry ready(in, true); ready) {
-        try {
-            text.clear();
+    if (const uistream::sentry ready(in, true); ready)
+        report_buffer_fault(in, [&] {
             streambuf& sb = *in.std::basic_ios<char16>::rdbuf();
             const auto find_delimiter = [delimiter](units first, units last) {
                 return find_unit(first, last, delimiter);
@@ -128,10 +149,7 @@ uistream& getline(uistream& in, ustring& text, char16 delimiter)
                     state |= std::ios_base::failbit;
                 break;
             }
-        } catch (...) {
-            report_buffer_fault(in);
-        }
-    }
+        });
     if (state != std::ios_base::goodbit)
         in.setstate(state);
     return in;

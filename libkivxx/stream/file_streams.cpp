@@ -11,6 +11,7 @@ uifstream::uifstream()
     : uistream(nullptr), m_file(std::make_unique<detail::file_reader>())
 {
     rdbuf(m_file.get());
+    m_file->pubimbue(getloc());
 }
 
 uifstream::uifstream(const char* path, const Charset* charset, CodingErrorAction faults)
@@ -26,7 +27,10 @@ uifstream::uifstream(uifstream&& other) : uifstream()
 
 uifstream& uifstream::operator=(uifstream&& other)
 {
-    swap(other);
+    if (this != &other) {
+        uifstream().swap(*this);  // closes the file
+        swap(other);
+    }
     return *this;
 }
 
@@ -70,6 +74,8 @@ uofstream::uofstream()
     : uostream(nullptr), m_file(std::make_unique<detail::file_writer>())
 {
     rdbuf(m_file.get());
+    m_file->pubimbue(getloc());
+    m_file->serve(*this);
 }
 
 uofstream::uofstream(const char* path, const Charset* charset, CodingErrorAction faults,
@@ -86,7 +92,10 @@ uofstream::uofstream(uofstream&& other) : uofstream()
 
 uofstream& uofstream::operator=(uofstream&& other)
 {
-    swap(other);
+    if (this != &other) {
+        uofstream().swap(*this);  // closes the file
+        swap(other);
+    }
     return *this;
 }
 
@@ -98,6 +107,8 @@ void uofstream::swap(uofstream& other)
     m_file.swap(other.m_file);
     set_rdbuf(m_file.get());
     other.set_rdbuf(other.m_file.get());
+    m_file->serve(*this);
+    other.m_file->serve(other);
 }
 
 void uofstream::open(const char* path, const Charset* charset, CodingErrorAction faults,
@@ -116,12 +127,15 @@ bool uofstream::is_open() const
 
 void uofstream::close()
 {
-    try {
-        if (!m_file->close())
-            setstate(failbit);
-    } catch (const CharacterCodingError&) {
-        report_buffer_fault(*this);
-    }
+    bool closed = true;
+    report_buffer_fault(*this, [&] { closed = m_file->close(); });
+    if (!closed)
+        setstate(failbit);
+}
+
+void uofstream::onFault(CodingErrorAction action)
+{
+    m_file->on_fault(action);
 }
 
 }  // namespace kiv

@@ -8,6 +8,8 @@
 
 #include <kiv/stream.h>
 
+#include "stream/buffer_fault.h"
+
 namespace kiv {
 
 // --- uistream ------------------------------------------------------------------
@@ -165,8 +167,12 @@ uostream& uostream::operator<<(const char16_t* text)
 {
     if (!text)
         return *this << static_cast<const char16*>(nullptr);
-    const std::u16string_view units(text);
-    return *this << ustring(units.begin(), units.end());
+    return *this << std::u16string_view(text);
+}
+
+uostream& uostream::operator<<(std::u16string_view text)
+{
+    return *this << ustring(text.begin(), text.end());
 }
 
 uostream& uostream::operator<<(const char* text)
@@ -175,8 +181,20 @@ uostream& uostream::operator<<(const char* text)
     return *this;
 }
 
+uostream& uostream::operator<<(std::string_view text)
+{
+    ustring units(text.size(), char16());
+    report_buffer_fault(*this, [&] {
+        const auto& ctype = std::use_facet<std::ctype<char16>>(getloc());
+        ctype.widen(text.data(), text.data() + text.size(), units.data());
+    });
+    return good() ? *this << units : *this;
+}
+
 uostream& uostream::operator<<(char16 unit)
 {
+    if (unit == u'\uFFFF')  // which put() would take for a failure
+        return *this << basic_string_ref<char16>(&unit, 1);
     static_cast<output&>(*this) << unit;
     return *this;
 }

@@ -9,6 +9,8 @@
 #include <utility>
 
 #include <gtest/gtest.h>
+#include <pthread.h>
+#include <unistd.h>
 
 #include <kiv/stream.h>
 
@@ -25,6 +27,16 @@ void chained(Stream&&)
     static_assert(std::is_same_v<Stream, uostream&> || std::is_same_v<Stream, uistream&>);
 }
 
+const ustring before_main = (uostringstream() << 1.5).str();
+
+template <class T>
+constexpr bool REFUSED = !requires(uostream & out, T& value)
+{
+    out << value;
+};
+static_assert(REFUSED<wchar_t*> && REFUSED<wchar_t[2]> && REFUSED<char8_t*>);
+static_assert(REFUSED<char32_t[2]> && REFUSED<const char32_t*> && !REFUSED<int*>);
+
 TEST(Streams, InsertersStayOnTheStream)
 {
     const char16 units[] = {u'p', u'q', char16()};
@@ -34,7 +46,13 @@ TEST(Streams, InsertersStayOnTheStream)
     chained(os << u"us"_us << "abc" << 'x' << u'y' << char16(u'z') << units << pointer);
     chained(os << u"lit" << u"v"_usv << std::basic_string_view<char16>(units, 1)
                << '\xE9');
-    EXPECT_EQ(os.str(), u"usabcxyzpqpqlitvp\uFFFD"_us);
+    char16_t text[] = u"16";
+    char16 own[] = {u'o', char16()};
+    const auto dash = +[](uostream& out) -> uostream& { return out << u'-'; };
+    chained(os << text << dash << text + 1 << own << std::string("\xE9\0", 2));
+    chained(os << std::u16string(u"s\0", 2) << std::setw(3) << std::string("r"));
+    chained(os.put('c').put('\xE9').put(u'\u20AC'));
+    EXPECT_EQ(os.str(), u"usabcxyzpqpqlitvp\uFFFD16-6o\uFFFD\0s\0  rc\uFFFD\u20AC"_us);
     os.str(ustring());
     chained(os << std::setw(5) << 42 << std::hex << 255 << std::dec << std::endl);
     chained(os << std::setfill(char16(u'*')) << std::setw(4) << SEVEN << std::flush);
@@ -52,6 +70,9 @@ TEST(Streams, InsertersStayOnTheStream)
        << u"abc"_usv;
     EXPECT_EQ(os.str(), u"abc******abc**abcabc"_us);
     EXPECT_EQ(os.width(), 0);
+    EXPECT_EQ(before_main, u"1.5"_us);
+    EXPECT_EQ((uostringstream(u"ab"_us, ios_base::in) << u'X').str(), u"Xb"_us);
+    EXPECT_EQ((uostringstream(u"ab"_us, ios_base::ate) << u'X').str(), u"abX"_us);
 }
 
 TEST(Streams, InputStaysOnTheStream)
@@ -97,7 +118,23 @@ TEST(Streams, InputStaysOnTheStream)
     EXPECT_EQ(rest.str(), u"last"_us);
     chained(rest.seekp(0).put(u'c').write(units, 2).seekp(0, ios_base::end).flush());
     EXPECT_EQ(rest.str(), u"ctht"_us);
+    uistringstream more(u" \uFFFFx\uFFFF \uFFFF\n0x1f-a;b"_us, ios_base::out);
+    const auto skip_one = +[](uistream& is) -> uistream& { return is.ignore(); };
+    void* p = nullptr;
+    EXPECT_TRUE(more >> word && word == u"\uFFFFx\uFFFF"_us);
+    EXPECT_TRUE(getline(more, word).good() && word == u" \uFFFF"_us);
+    chained((more >> p >> skip_one).get(*rest.rdbuf(), u';') >> rest.rdbuf());
+    EXPECT_TRUE(p == reinterpret_cast<void*>(0x1F) && rest.str() == u"cthta;b"_us);
+    more.exceptions(ios_base::failbit);
+    EXPECT_THROW(more >> word, ios_base::failure);
 }
+
+template <class Base>
+struct Movable : Base {
+    using Base::Base;
+    Movable(Movable&& other) : Base(std::move(other)) {}
+    void operator=(Movable&& other) { Base::operator=(std::move(other)); }
+};
 
 template <class Stream>
 void expect_state(const Stream& stream, const ustring& text, bool marked)
@@ -191,6 +228,19 @@ TEST(Streams, CallersBuffers)
     both << 3.5;
     both >> d;
     EXPECT_TRUE(d == 3.5 && buffer.str() == u"3,5"_us);
+    const auto expect_moves = [&](auto a) {
+        a.imbue(ulocale(u"de_DE"_usv));
+        a.fill(u'#');
+        a.setstate(ios_base::eofbit);
+        auto b(std::move(a));
+        EXPECT_TRUE(b.fill() == u'#' && b.eof() && a.fill() == u' ' && a.good());
+        a = std::move(b);
+        EXPECT_TRUE(a.fill() == u'#' && a.eof() && a.getloc() != b.getloc());
+        EXPECT_TRUE(b.fill() == u' ' && !b.rdbuf() && a.rdbuf() == &buffer);
+    };
+    expect_moves(Movable<uistream>(&buffer));
+    expect_moves(Movable<uostream>(&buffer));
+    expect_moves(Movable<uiostream>(&buffer));
 
     for (const bool throws : {false, true})
         for (std::size_t k = 0; k < 6; ++k) {
@@ -212,6 +262,26 @@ TEST(Streams, CallersBuffers)
             else
                 EXPECT_TRUE(getline(throwing, text).eof());
         }
+}
+
+// It unwinds through handlers; one that keeps it ends the process.
+TEST(Streams, ThreadCancellation)
+{
+    struct Waiting : std::basic_streambuf<char16> {
+        int_type underflow() override { return static_cast<char16_t>(pause()); }
+    };
+    const auto read = [](void*) -> void* {
+        Waiting buffer;
+        ustring word;
+        uistream(&buffer) >> word;
+        return nullptr;
+    };
+    pthread_t thread;
+    void* result = nullptr;
+    pthread_create(&thread, nullptr, read, nullptr);
+    pthread_cancel(thread);
+    pthread_join(thread, &result);
+    EXPECT_EQ(result, PTHREAD_CANCELED);
 }
 
 class FileStreams : public testing::Test {
@@ -236,11 +306,11 @@ TEST_F(FileStreams, TextOfAnySizeInAnyCharset)
             const Charset* charset = Charset::forName(name);
             ustring text, lines, line;
             while (text.size() < size)
-                text += text.size() % 7 ? u"\u00E4b\n"_us : u"\U0001F600\u4E2D"_us;
+                text += text.size() % 7 ? u"\uFFFF\u00E4\n"_us : u"\U0001F600\u4E2D"_us;
             uofstream out(m_path, charset);
-            out << text << u"\uFFFF"_us;
+            out << text;
             out.close();
-            ASSERT_EQ(bytes(), charset->encode(text + u"\uFFFF"_us));
+            ASSERT_EQ(bytes(), charset->encode(text));
             out.open(m_path, charset);
             for (const char16 c : text)
                 out << c;
@@ -248,7 +318,8 @@ TEST_F(FileStreams, TextOfAnySizeInAnyCharset)
             uifstream opened(m_path, charset), in(std::move(opened));
             EXPECT_TRUE(!opened.is_open() && opened.good());
             while (getline(in, line))
-                lines += in.eof() ? line : line + u"\n"_us;
+                lines +=
+                    in.eof() ? line : line + char16(in.unget().unget().ignore().get());
             ASSERT_TRUE(lines == text && in.eof() && !in.bad()) << size;
         }
 }
@@ -285,6 +356,33 @@ TEST_F(FileStreams, FaultsStopWhereTheyAre)
     uofstream(m_path, Charset::US_ASCII, CodingErrorAction::REPLACE, ios_base::app)
         .put(u'\u20AC');
     EXPECT_EQ(bytes(), "a\xF0\x9F\x98\x80?");
+    std::ofstream growing(m_path);
+    uifstream reader(m_path);
+    EXPECT_TRUE((reader >> word).eof());
+    growing << "b\xE2\x82" << std::flush;
+    reader.clear();
+    EXPECT_TRUE((reader >> word).bad() && word == u"b"_us);
+    growing << "\xAC!" << std::flush;
+    reader.clear();
+    EXPECT_TRUE((reader >> word).eof() && word == u"\u20AC!"_us);
+}
+
+// It is a destructor that writes then.
+TEST_F(FileStreams, UnitbufDefersWhatWouldBeThrown)
+{
+    EXPECT_TRUE((uofstream(m_path, Charset::US_ASCII) << std::unitbuf << u'\xE9').bad());
+    uofstream out(m_path, Charset::US_ASCII);
+    out.exceptions(ios_base::badbit);
+    EXPECT_NO_THROW(out << std::unitbuf << u"a\xE9z");
+    EXPECT_THROW(out << u'c', UnmappableCharacterError);
+    out.clear();
+    out.onFault(CodingErrorAction::IGNORE);
+    out << u'd';
+    EXPECT_EQ(bytes(), "azd");
+    out.close();
+    out.open("/dev/full");
+    EXPECT_NO_THROW(out << u'f');
+    EXPECT_THROW(out << u'g', ios_base::failure);
 }
 
 TEST_F(FileStreams, WhatDoesNotOpenFails)
@@ -300,6 +398,18 @@ TEST_F(FileStreams, WhatDoesNotOpenFails)
     EXPECT_TRUE(out.good());
     out.open(m_path);
     EXPECT_TRUE(out.fail()) << "open already";
+    out.clear();
+    out << u"stale";
+    EXPECT_EQ(out.rdbuf()->getloc(), out.getloc());
+    out = uofstream();
+    EXPECT_TRUE(out.good() && !out.is_open() && bytes() == "stale") << "closed";
+    uifstream in(m_path);
+    in.ignore();
+    in.close();
+    in.open(m_path.parent_path());
+    EXPECT_TRUE(in.get() == traits::eof() && in.bad());
+    in.clear();
+    EXPECT_TRUE(in.get() == traits::eof()) << "nothing of the file before";
 }
 
 }  // namespace
