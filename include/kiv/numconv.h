@@ -38,7 +38,7 @@
 
 namespace kiv {
 
-// --- Parsing: three shapes ---------------------------------------------------------
+// --- Parsing: three shapes -------------------------------------------------------
 //
 // strtoX_c(s, &end)   s ends with a zero; its length is not measured first. end may be
 //                     null; it is set past the number, or to s if there is none, which
@@ -112,7 +112,7 @@ private:
 using CharIterator = BasicCharIterator<char>;
 using UCharIterator = BasicCharIterator<char16>;
 
-// --- Integers from text --------------------------------------------------------------
+// --- Integers from text ----------------------------------------------------------
 //
 // White space (the six ASCII ones), for signed types '+' or '-', then digits: 0 to 9, a
 // to z and A to Z, below the base. Base 16 skips "0x" or "0X" before a digit. Base 0
@@ -171,7 +171,7 @@ KIV_API unsigned long long stoull_c(basic_string_ref<char16> s,
 KIV_API unsigned long long stoull_c(BasicCharIterator<char>& it, int base = 10);
 KIV_API unsigned long long stoull_c(BasicCharIterator<char16>& it, int base = 10);
 
-// --- Floating-point values from text -------------------------------------------------
+// --- Floating-point values from text ---------------------------------------------
 //
 // White space (in UTF-16 text that of all scripts), a sign, and one of
 //
@@ -210,7 +210,7 @@ KIV_API long double stold_c(basic_string_ref<char16> s, std::size_t* idx = nullp
 KIV_API long double stold_c(BasicCharIterator<char>& it);
 KIV_API long double stold_c(BasicCharIterator<char16>& it);
 
-// --- From text without exceptions ------------------------------------------------------
+// --- From text without exceptions ------------------------------------------------
 
 // Why an error is std::errc::result_out_of_range.
 enum class number_range : unsigned char {
@@ -326,8 +326,7 @@ KIV_API from_chars_result<char16> from_chars_c(const char16* first, const char16
                                                long double& value,
                                                leading allowed = leading::none) noexcept;
 
-// --- To text
-// -----------------------------------------------------------------------------
+// --- To text ---------------------------------------------------------------------
 //
 // Floating-point values: the fewest digits, at least two, that read back to the same
 // value, and of those the nearest to it; from 0.001 to below 10^7 as 0.001, 1.0,
@@ -362,13 +361,14 @@ KIV_API ustring to_ustring_c(binary16 value);
 template <class CharT>
 struct to_chars_result {
     CharT* ptr;    // past the text; last if there is no room
-    std::errc ec;  // none or value_too_large
+    std::errc ec;  // none, value_too_large, or invalid_argument as said below
 
     friend bool operator==(const to_chars_result&, const to_chars_result&) = default;
 };
 
 // The same text in [first, last), without a terminator. Units from ptr to last have
-// unspecified values afterwards, without an error too.
+// unspecified values afterwards, without an error too. Bases are 2 to 36 with small
+// letters; for another ec is invalid_argument and ptr is first.
 
 KIV_API to_chars_result<char> to_chars_c(char* first, char* last, int value,
                                          int base = 10) noexcept;
@@ -413,8 +413,8 @@ KIV_API to_chars_result<char16> to_chars_c(char16* first, char16* last,
 
 // The exact value with `precision` digits behind the point, rounded to nearest, ties
 // to even: with std::chars_format::fixed 1234.50, with scientific 1.23E3; no point
-// without digits behind it. A negative precision is 6. Other formats: ec is
-// invalid_argument.
+// without digits behind it. A negative precision is 6. For other formats ec is
+// invalid_argument and ptr is first.
 
 KIV_API to_chars_result<char> to_chars_c(char* first, char* last, float value,
                                          std::chars_format format,
@@ -435,8 +435,7 @@ KIV_API to_chars_result<char16> to_chars_c(char16* first, char16* last, long dou
                                            std::chars_format format,
                                            int precision) noexcept;
 
-// --- Half precision
-// ----------------------------------------------------------------------
+// --- Half precision --------------------------------------------------------------
 
 // An IEEE 754 binary16 value. Compares as a number: zeros are equal, a NaN is
 // unordered.
@@ -465,10 +464,9 @@ KIV_API binary16 _double_to_binary16(double value) noexcept;
 KIV_API float _binary16_to_float(binary16 value) noexcept;
 KIV_API double _binary16_to_double(binary16 value) noexcept;
 
-// --- Classification: by the bits, without the floating-point environment
-// -------------------
+// --- Classification --------------------------------------------------------------
 //
-// Each type by its own format.
+// By the bits, without the floating-point environment, each type by its own format.
 
 KIV_API bool is_finite(binary16 value) noexcept;  // neither infinite nor NaN
 KIV_API bool is_finite(float value) noexcept;
@@ -500,8 +498,7 @@ KIV_API bool sign_bit(float value) noexcept;
 KIV_API bool sign_bit(double value) noexcept;
 KIV_API bool sign_bit(long double value) noexcept;
 
-// --- Assembly
-// --------------------------------------------------------------------------------
+// --- Assembly --------------------------------------------------------------------
 //
 //     double tenth = kiv::make_double(false, -1, 1u);           // 0.1
 //     double least = kiv::pack_double(false, -1074, 1u);        // smallest subnormal

@@ -1,85 +1,16 @@
 #include "numconv/decimal_packing.h"
 
 #include <algorithm>
+#include <bit>
 
 #include <kiv/numconv.h>
 
 #include "bigint/powers.h"
+#include "numconv/decimal_format.h"
 #include "numconv/scaling.h"
 
 namespace kiv::numconv {
 namespace {
-
-__extension__ using uint128 = unsigned __int128;
-
-// A decimal interchange format. `Bits` holds the bit pattern, and twice any
-// coefficient with one digit too many.
-template <class Decimal>
-struct DecimalFormat;
-
-template <>
-struct DecimalFormat<decimal::decimal32> {
-    using Bits = std::uint64_t;
-    static constexpr int WIDTH = 32;
-    static constexpr int PRECISION = 7;
-    static constexpr int BIAS = 101;
-    static constexpr int MAX_EXPONENT = 90;
-    static constexpr int COEFFICIENT_BITS = 23;  // of the short form
-
-    static decimal::decimal32 value(Bits bits)
-    {
-        return decimal::decimal32(KDecimal32{static_cast<std::uint32_t>(bits)});
-    }
-};
-
-template <>
-struct DecimalFormat<decimal::decimal64> {
-    using Bits = std::uint64_t;
-    static constexpr int WIDTH = 64;
-    static constexpr int PRECISION = 16;
-    static constexpr int BIAS = 398;
-    static constexpr int MAX_EXPONENT = 369;
-    static constexpr int COEFFICIENT_BITS = 53;
-
-    static decimal::decimal64 value(Bits bits)
-    {
-        return decimal::decimal64(KDecimal64{bits});
-    }
-};
-
-template <>
-struct DecimalFormat<decimal::decimal128> {
-    using Bits = uint128;
-    static constexpr int WIDTH = 128;
-    static constexpr int PRECISION = 34;
-    static constexpr int BIAS = 6176;
-    static constexpr int MAX_EXPONENT = 6111;
-    static constexpr int COEFFICIENT_BITS = 113;
-
-    static decimal::decimal128 value(Bits bits)
-    {
-        return decimal::decimal128(KDecimal128{static_cast<std::uint64_t>(bits),
-                                               static_cast<std::uint64_t>(bits >> 64)});
-    }
-};
-
-// 10^0 to 10^(PRECISION + 1).
-template <class Format>
-struct PowersOfTen {
-    typename Format::Bits values[Format::PRECISION + 2];
-
-    constexpr PowersOfTen() : values()
-    {
-        typename Format::Bits power = 1;
-        for (auto& value : values) {
-            value = power;
-            power *= 10;
-        }
-    }
-};
-
-template <class Format>
-constexpr PowersOfTen<Format> POWERS_OF_TEN;
 
 // A value that was cut below one half: halves / 2, and more if sticky. In this form
 // digits can be dropped as often as it takes, and rounding still happens once.
@@ -88,15 +19,15 @@ struct Halves {
     typename Format::Bits halves;
     bool sticky;
 
-    void drop_digits(std::int64_t n)
+    void drop_digits(std::int64_t n) noexcept
     {
         constexpr std::int64_t ALL = Format::PRECISION + 1;
-        const auto power = POWERS_OF_TEN<Format>.values[std::min(n, ALL)];
+        const auto power = power_of_ten<Format>(std::min(n, ALL));
         sticky = sticky || halves % power != 0;
         halves /= power;
     }
 
-    typename Format::Bits to_nearest_even() const
+    typename Format::Bits to_nearest_even() const noexcept
     {
         const auto floor = halves >> 1;
         const bool up = (halves & 1) != 0 && (sticky || (floor & 1) != 0);
@@ -105,12 +36,19 @@ struct Halves {
 };
 
 template <class Bits>
-Bits low_bits(const big_uint& value)
+Bits low_bits(const big_uint& value) noexcept
 {
     Bits bits = 0;
     for (unsigned i = std::min<unsigned>(value.size(), sizeof(Bits) / 4); i-- > 0;)
         bits = bits << 32 | value[i];
     return bits;
+}
+
+// Of a coefficient below the precision or one digit above.
+template <class Format>
+Halves<Format> with_dropped(typename Format::Bits coefficient, unsigned dropped) noexcept
+{
+    return {coefficient << 1 | dropped >> 1, (dropped & 1) != 0};
 }
 
 // Cuts a coefficient to the precision, except for one digit that may be too many, and
@@ -120,10 +58,8 @@ Halves<Format> cut(const big_uint& coefficient, unsigned dropped, std::int64_t* 
 {
     using Bits = typename Format::Bits;
     const int excess = log10_at_least(coefficient.bit_length()) + 1 - Format::PRECISION;
-    if (excess <= 0) {
-        const Bits doubled = low_bits<Bits>(coefficient) << 1;
-        return {doubled | dropped >> 1, (dropped & 1) != 0};
-    }
+    if (excess <= 0)
+        return with_dropped<Format>(low_bits<Bits>(coefficient), dropped);
     // The divisor is 10^excess / 2.
     big_uint buf;
     const Quotient quotient = divide(coefficient, 1 - excess,
@@ -132,43 +68,40 @@ Halves<Format> cut(const big_uint& coefficient, unsigned dropped, std::int64_t* 
     return {low_bits<Bits>(quotient.value), quotient.inexact || dropped != 0};
 }
 
-template <class Format>
-typename Format::Bits signed_infinity(bool negative)
+unsigned bit_length(Uint128 value) noexcept
 {
-    using Bits = typename Format::Bits;
-    return Bits{negative} << (Format::WIDTH - 1) | Bits{0x78} << (Format::WIDTH - 8);
-}
-
-// A coefficient that needs one bit more than the short form has begins with the bits
-// 100; the large form leaves them out and marks itself by two ones after the sign.
-template <class Format>
-typename Format::Bits encode(bool negative, std::int64_t exponent,
-                             typename Format::Bits coefficient)
-{
-    using Bits = typename Format::Bits;
-    constexpr int N = Format::COEFFICIENT_BITS;
-    Bits bits = Bits{negative} << (Format::WIDTH - 1);
-    exponent += Format::BIAS;
-    const auto biased = static_cast<Bits>(exponent);
-    if (coefficient >> N == 0) {
-        bits |= biased << N | coefficient;
-    } else {
-        bits |= Bits{3} << (Format::WIDTH - 3);
-        bits |= biased << (N - 2) | (coefficient & ((Bits{1} << (N - 2)) - 1));
-    }
-    return bits;
+    const words::Wide wide = words::split(value);
+    return static_cast<unsigned>(wide.high != 0 ? 64 + std::bit_width(wide.high)
+                                                : std::bit_width(wide.low));
 }
 
 template <class Format>
+Halves<Format> cut(Uint128 coefficient, unsigned dropped, std::int64_t* exponent) noexcept
+{
+    using Bits = typename Format::Bits;
+    const int excess = log10_at_least(bit_length(coefficient)) + 1 - Format::PRECISION;
+    if (excess <= 0)
+        return with_dropped<Format>(static_cast<Bits>(coefficient), dropped);
+    const Uint128 half = WIDE_POWERS_OF_TEN[static_cast<std::size_t>(excess)] >> 1;
+    const Uint128 halves = coefficient / half;
+    *exponent += excess;
+    return {static_cast<Bits>(halves), coefficient != halves * half || dropped != 0};
+}
+
+unsigned bit_length(const big_uint& value) noexcept
+{
+    return value.bit_length();
+}
+
+template <class Format, class Coefficient>
 typename Format::Bits pack(bool negative, std::int64_t exponent,
-                           const big_uint& coefficient, unsigned dropped)
+                           const Coefficient& coefficient, unsigned dropped)
 {
     constexpr int P = Format::PRECISION;
     constexpr std::int64_t MIN = -Format::BIAS;
     constexpr std::int64_t MAX = Format::MAX_EXPONENT;
-    const auto& powers = POWERS_OF_TEN<Format>.values;
 
-    const unsigned length = coefficient.bit_length();
+    const unsigned length = bit_length(coefficient);
     // Decided before the powers of a long coefficient are computed.
     if (length == 0 || log10_at_most(length) + exponent < MIN - 1)
         return encode<Format>(negative, std::clamp(exponent, MIN, MAX), 0);
@@ -176,7 +109,7 @@ typename Format::Bits pack(bool negative, std::int64_t exponent,
         return signed_infinity<Format>(negative);
 
     Halves<Format> value = cut<Format>(coefficient, dropped, &exponent);
-    if (value.halves >> 1 >= powers[P]) {
+    if (value.halves >> 1 >= COEFFICIENT_END<Format>) {
         value.drop_digits(1);
         ++exponent;
     }
@@ -185,16 +118,16 @@ typename Format::Bits pack(bool negative, std::int64_t exponent,
         exponent = MIN;
     }
     auto digits = value.to_nearest_even();
-    if (digits == powers[P]) {
-        digits = powers[P - 1];
+    if (digits == COEFFICIENT_END<Format>) {
+        digits = power_of_ten<Format>(P - 1);
         ++exponent;
     }
     if (exponent > MAX) {
         // Zeros at the end lower the exponent as long as there is room for them.
         const std::int64_t excess = exponent - MAX;
-        if (excess >= P || digits >= powers[P - excess])
+        if (excess >= P || digits >= power_of_ten<Format>(P - excess))
             return signed_infinity<Format>(negative);
-        digits *= powers[excess];
+        digits *= power_of_ten<Format>(excess);
         exponent = MAX;
     }
     return encode<Format>(negative, exponent, digits);
@@ -203,16 +136,34 @@ typename Format::Bits pack(bool negative, std::int64_t exponent,
 }  // namespace
 
 template <class Decimal>
+Decimal pack_decimal(bool negative, std::int64_t exponent, words::Wide coefficient,
+                     unsigned dropped) noexcept
+{
+    using Format = DecimalFormat<Decimal>;
+    return Format::value(
+        pack<Format>(negative, exponent, words::join(coefficient), dropped));
+}
+
+template <class Decimal>
 Decimal pack_decimal(bool negative, std::int64_t exponent, const big_uint& coefficient,
                      unsigned dropped)
 {
     using Format = DecimalFormat<Decimal>;
+    if (coefficient.bit_length() <= 128)
+        return pack_decimal<Decimal>(
+            negative, exponent, words::split(low_bits<Uint128>(coefficient)), dropped);
     return Format::value(pack<Format>(negative, exponent, coefficient, dropped));
 }
 
 template decimal::decimal32 pack_decimal(bool, std::int64_t, const big_uint&, unsigned);
 template decimal::decimal64 pack_decimal(bool, std::int64_t, const big_uint&, unsigned);
 template decimal::decimal128 pack_decimal(bool, std::int64_t, const big_uint&, unsigned);
+template decimal::decimal32 pack_decimal(bool, std::int64_t, words::Wide,
+                                         unsigned) noexcept;
+template decimal::decimal64 pack_decimal(bool, std::int64_t, words::Wide,
+                                         unsigned) noexcept;
+template decimal::decimal128 pack_decimal(bool, std::int64_t, words::Wide,
+                                          unsigned) noexcept;
 
 }  // namespace kiv::numconv
 

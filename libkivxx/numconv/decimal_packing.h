@@ -9,6 +9,8 @@
 #include <kiv/big_uint.h>
 #include <kiv/kdecimal.h>
 
+#include "bigint/words.h"
+
 namespace kiv::numconv {
 
 // (-1)^negative * coefficient * 10^exponent. The exponent may be as far out as a sum
@@ -19,6 +21,9 @@ namespace kiv::numconv {
 template <class Decimal>
 Decimal pack_decimal(bool negative, std::int64_t exponent, const big_uint& coefficient,
                      unsigned dropped);
+template <class Decimal>
+Decimal pack_decimal(bool negative, std::int64_t exponent, words::Wide coefficient,
+                     unsigned dropped) noexcept;
 
 extern template decimal::decimal32 pack_decimal(bool, std::int64_t, const big_uint&,
                                                 unsigned);
@@ -26,6 +31,12 @@ extern template decimal::decimal64 pack_decimal(bool, std::int64_t, const big_ui
                                                 unsigned);
 extern template decimal::decimal128 pack_decimal(bool, std::int64_t, const big_uint&,
                                                  unsigned);
+extern template decimal::decimal32 pack_decimal(bool, std::int64_t, words::Wide,
+                                                unsigned) noexcept;
+extern template decimal::decimal64 pack_decimal(bool, std::int64_t, words::Wide,
+                                                unsigned) noexcept;
+extern template decimal::decimal128 pack_decimal(bool, std::int64_t, words::Wide,
+                                                 unsigned) noexcept;
 
 }  // namespace kiv::numconv
 

@@ -47,6 +47,19 @@ int main()
     check(kiv::make_double(false, -1, 1) == 0.1 &&
               kiv::pack_decimal64(false, 0, 1).pattern().bits == 0x31C0000000000001,
           "assembly of values");
+    check(kiv::stod_c("1e23") == 1e23 && kiv::stoi_c(u"-\u0661\u0662"_usv) == -12 &&
+              kiv::to_string_c(0.1) == "0.1" && kiv::to_ustring_c(1e7) == u"1.0E7"_us,
+          "numbers and text");
+    const kiv::decimal::decimal64 total = kiv::stod64_c("19.99") * 3;
+    check(kiv::to_string_c(total) == "59.97", "decimals");
+
+    // Facets are found by the library and by the program alike.
+    kiv::uostringstream uos;
+    uos << 42 << ' ' << 1.5 << u" \u20AC"_usv;
+    check(uos.str() == u"42 1.5 \u20AC"_us &&
+              std::use_facet<std::ctype<kiv::char16>>(uos.getloc()).toupper(u'\u00E9') ==
+                  kiv::char16(u'\u00C9'),
+          "streams");
     check(kiv::Char16::isLetter(U'\u00E9') && kiv::isuspace(u' '), "classification");
     check(kiv::cvtstr<std::wstring>(u"\U0001F600"_usv).size() ==
               (sizeof(wchar_t) == 4 ? 1 : 2),
