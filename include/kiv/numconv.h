@@ -366,9 +366,9 @@ struct to_chars_result {
     friend bool operator==(const to_chars_result&, const to_chars_result&) = default;
 };
 
-// The same text in [first, last), without a terminator. Units from ptr to last have
-// unspecified values afterwards, without an error too. Bases are 2 to 36 with small
-// letters; for another ec is invalid_argument and ptr is first.
+// The same text in [first, last), without a terminator. Units from ptr to last, up to
+// 27 from first on, have unspecified values afterwards, without an error too. Bases are 2
+// to 36 with small letters; for another ec is invalid_argument and ptr is first.
 
 KIV_API to_chars_result<char> to_chars_c(char* first, char* last, int value,
                                          int base = 10) noexcept;
@@ -497,6 +497,38 @@ KIV_API bool sign_bit(binary16 value) noexcept;  // also of zeros and NaNs
 KIV_API bool sign_bit(float value) noexcept;
 KIV_API bool sign_bit(double value) noexcept;
 KIV_API bool sign_bit(long double value) noexcept;
+
+// Integers are finite, and normal unless they are 0.
+template <std::integral T>
+constexpr bool is_finite(T) noexcept
+{
+    return true;
+}
+template <std::integral T>
+constexpr bool is_inf(T) noexcept
+{
+    return false;
+}
+template <std::integral T>
+constexpr bool is_nan(T) noexcept
+{
+    return false;
+}
+template <std::integral T>
+constexpr bool is_normal(T value) noexcept
+{
+    return value != 0;
+}
+template <std::integral T>
+constexpr bool is_zero(T value) noexcept
+{
+    return value == 0;
+}
+template <std::integral T>
+constexpr bool sign_bit(T value) noexcept
+{
+    return value < 0;
+}
 
 // --- Assembly --------------------------------------------------------------------
 //

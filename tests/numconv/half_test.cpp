@@ -85,6 +85,8 @@ TEST(Classification, OfEveryKind)
     std::memset(&unnormal, 0, 8);
     if (std::numeric_limits<long double>::digits == 64)
         expect_class(unnormal, FP_NAN, false);
+    EXPECT_TRUE(is_zero(0) && is_normal(-3) && sign_bit(-3) && is_finite(3u) &&
+                !is_nan(3));
 }
 
 }  // namespace
