@@ -94,8 +94,8 @@ private:
     char m_sizes[8]{};
 };
 
-DecFormatSpec specification(const ios_base& stream, const Grouping& grouping,
-                            const std::numpunct<char>& punctuation)
+DecFormatSpec format_spec(const ios_base& stream, const Grouping& grouping,
+                          const std::numpunct<char>& punctuation)
 {
     const auto flags = stream.flags();
     const auto notation = flags & ios_base::floatfield;
@@ -128,7 +128,7 @@ std::ostream& insert(std::ostream& out, Decimal x)
     const std::locale locale = out.getloc();
     const auto& punctuation = std::use_facet<std::numpunct<char>>(locale);
     const Grouping grouping(punctuation.grouping());
-    const DecFormatSpec spec = specification(out, grouping, punctuation);
+    const DecFormatSpec spec = format_spec(out, grouping, punctuation);
     char text[ROOM];
     const int length = format(&spec, x.pattern(), text, ROOM);
     if (length < ROOM)
