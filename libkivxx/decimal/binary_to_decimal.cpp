@@ -72,14 +72,10 @@ Decimal from_shortest(binary16 value) noexcept
 {
     return from_any<Decimal>(
         value, -DecimalFormat<Decimal>::BIAS, [value](bool negative) {
-            const unsigned fraction = value.bits & 0x3FFU;
-            const int biased = value.bits >> 10 & 0x1F;
-            const BinaryValue binary = biased == 0
-                                           ? BinaryValue{fraction, -24}
-                                           : BinaryValue{fraction | 0x400U, biased - 25};
-            return pack<Decimal>(negative,
-                                 numconv::exact_digits(binary, numconv::BINARY16_SHAPE,
-                                                       numconv::BINARY16_DIGITS));
+            return pack<Decimal>(
+                negative,
+                numconv::exact_digits(numconv::binary_value(value),
+                                      numconv::BINARY16_SHAPE, numconv::BINARY16_DIGITS));
         });
 }
 

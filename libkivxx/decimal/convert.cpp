@@ -66,8 +66,7 @@ Decimal from_exact(double value) noexcept
     });
 }
 
-// --- To binary values and integers
-// ------------------------------------------------------
+// --- To binary values and integers -----------------------------------------------
 
 // The digits behind the 20th are cut off; whether they are not all zero.
 bool cut_to_twenty_digits(Uint128& coefficient, std::int64_t& exponent) noexcept

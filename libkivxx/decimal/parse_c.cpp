@@ -19,44 +19,16 @@ using numconv::NumberScan;
 using numconv::ScanKind;
 using numconv::TerminatedText;
 
-// Units are ASCII, and up to 19 significant digits and nine of an exponent fit in machine
-// words; nearly all numbers are of this form. Leaves the text past the number, or
-// anywhere if it is of another.
+// Leaves the text past the number, or anywhere if it is not of the common form.
 template <class Decimal, class Text>
 KIV_INLINE bool parse_common(Text& text, Decimal& value) noexcept
 {
     using Format = DecimalFormat<Decimal>;
     using Bits = typename Format::Bits;
     numconv::skip_ascii_space(text);
-    const bool negative = numconv::take_sign(text, true);
-
-    const auto* const mantissa = text.at();
-    std::uint64_t coefficient = 0;
-    std::ptrdiff_t digits = numconv::take_digits_singly(text, coefficient);
-    std::int64_t exponent = 0;
-    if (text.peek() == '.') {
-        text.skip();
-        const std::ptrdiff_t fraction = numconv::take_digits(text, coefficient);
-        exponent = -fraction;
-        digits += fraction;
-    }
-    if (digits == 0 ||
-        (digits > 19 && digits - numconv::leading_zeros(mantissa, text.at()) > 19))
-        return false;
-    if ((text.peek() | 0x20) == 'e') {
-        const auto* const letter = text.at();
-        text.skip();
-        const bool negative_exponent = numconv::take_sign(text, true);
-        std::uint64_t written = 0;
-        const std::ptrdiff_t count = numconv::take_digits_singly(text, written);
-        if (count > 9 || numconv::goes_on(text))
-            return false;
-        const auto change = static_cast<std::int64_t>(written);
-        exponent += negative_exponent ? -change : change;
-        if (count == 0)
-            text.at(letter);
-    }
-    if (numconv::goes_on(text))
+    const auto [found, negative, coefficient, exponent] =
+        numconv::take_common_decimal(text, true);
+    if (!found)
         return false;
 
     if (numconv::is_encodable<Format>(exponent, coefficient)) [[likely]]
@@ -113,22 +85,14 @@ KIV_INLINE from_chars_result<typename Text::value_type> parse(Text text,
     return parse_any(text, value);
 }
 
-// --- Shapes
-// ------------------------------------------------------------------------------
+// --- Shapes ----------------------------------------------------------------------
 
 // Looks at the text once more for what is wrong with it.
 template <class Decimal, class CharT>
 [[noreturn]] void raise(basic_string_ref<CharT> s)
 {
     BoundedText<CharT> text(s.begin(), s.end());
-    switch (scan_text<Decimal>(text).kind) {
-    case ScanKind::bad_infinity:
-        throw std::invalid_argument("'infinity' expected");
-    case ScanKind::bad_nan:
-        throw std::invalid_argument("'nan' expected");
-    default:
-        throw std::invalid_argument("decimal digit expected");
-    }
+    throw std::invalid_argument(numconv::what_is_missing(scan_text<Decimal>(text).kind));
 }
 
 template <class Decimal, class CharT>

@@ -72,43 +72,58 @@ std::ptrdiff_t leading_zeros(const CharT* p, const CharT* end) noexcept
     return n;
 }
 
-// '-', with `plus` also '+', digits with perhaps a point, of which 19 are significant,
-// and perhaps an exponent of up to nine digits.
-template <class Float, class Text, class CharT = typename Text::value_type>
-KIV_INLINE Common<Float, CharT> common_float(Text text, bool plus) noexcept
-{
-    constexpr Common<Float, CharT> OTHER{0, nullptr};
-    const bool negative = take_sign(text, plus);
+// A decimal number of the common form.
+struct CommonDecimal {
+    bool found;
+    bool negative;
+    std::uint64_t coefficient;
+    std::int64_t exponent;
+};
 
-    const CharT* const mantissa = text.at();
-    std::uint64_t coefficient = 0;
-    std::ptrdiff_t digits = take_digits_singly(text, coefficient);
-    std::int64_t exponent = 0;
+// '-', with `plus` also '+', digits with perhaps a point, of which 19 are significant,
+// and perhaps an exponent of up to nine digits. Leaves the text past it, or anywhere.
+template <class Text>
+KIV_INLINE CommonDecimal take_common_decimal(Text& text, bool plus) noexcept
+{
+    CommonDecimal number{};
+    number.negative = take_sign(text, plus);
+
+    const auto* const mantissa = text.at();
+    std::ptrdiff_t digits = take_digits_singly(text, number.coefficient);
     if (text.peek() == '.') {
         text.skip();
-        const std::ptrdiff_t fraction = take_digits(text, coefficient);
-        exponent = -fraction;
+        const std::ptrdiff_t fraction = take_digits(text, number.coefficient);
+        number.exponent = -fraction;
         digits += fraction;
     }
     if (digits == 0 || (digits > 19 && digits - leading_zeros(mantissa, text.at()) > 19))
-        return OTHER;
+        return number;
 
     if ((text.peek() | 0x20) == 'e') {
-        const CharT* const letter = text.at();
+        const auto* const letter = text.at();
         text.skip();
         const bool negative_exponent = take_sign(text, true);
         std::uint64_t written = 0;
         const std::ptrdiff_t count = take_digits_singly(text, written);
         if (count > 9 || goes_on(text))
-            return OTHER;
+            return number;
         const auto change = static_cast<std::int64_t>(written);
-        exponent += negative_exponent ? -change : change;
+        number.exponent += negative_exponent ? -change : change;
         if (count == 0)
             text.at(letter);
     }
-    if (goes_on(text))
-        return OTHER;
-    return assembled<Float>(negative, coefficient, exponent, text.at(), text.peek());
+    number.found = !goes_on(text);
+    return number;
+}
+
+template <class Float, class Text, class CharT = typename Text::value_type>
+KIV_INLINE Common<Float, CharT> common_float(Text text, bool plus) noexcept
+{
+    const CommonDecimal number = take_common_decimal(text, plus);
+    if (!number.found)
+        return {0, nullptr};
+    return assembled<Float>(number.negative, number.coefficient, number.exponent,
+                            text.at(), text.peek());
 }
 
 // A value of magnitude below 2^63 as a T, if that holds it.

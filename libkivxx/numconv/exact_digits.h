@@ -13,6 +13,8 @@
 #include <bit>
 #include <cstdint>
 
+#include <kiv/numconv.h>
+
 #include "numconv/binary_format.h"
 
 namespace kiv::numconv {
@@ -47,6 +49,15 @@ inline BinaryValue binary_value(Float value) noexcept
         return {magnitude, exponent};
     return {(magnitude & (LEAST_NORMAL - 1)) | LEAST_NORMAL,
             exponent - 1 + static_cast<int>(magnitude >> STORED_BITS)};
+}
+
+inline BinaryValue binary_value(binary16 value) noexcept
+{
+    const unsigned fraction = value.bits & 0x3FFU;
+    const int biased = value.bits >> 10 & 0x1F;
+    if (biased == 0)
+        return {fraction, -24};
+    return {fraction | 0x400U, biased - 25};
 }
 
 // What the digits depend on of the format.

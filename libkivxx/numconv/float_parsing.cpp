@@ -106,12 +106,6 @@ number_range range_of(Float value, bool zero) noexcept
     return magnitude == 0 && !zero ? number_range::below : number_range::inside;
 }
 
-constexpr bool is_failure(ScanKind kind) noexcept
-{
-    return kind == ScanKind::no_digits || kind == ScanKind::bad_infinity ||
-           kind == ScanKind::bad_nan;
-}
-
 // Not for failures.
 template <class Float, class Rounding, class CharT>
 number_range evaluate(const NumberScan<CharT>& scan, Float& value)
@@ -182,16 +176,10 @@ template <class T, class CharT>
 [[noreturn]] void raise(basic_string_ref<CharT> s)
 {
     BoundedText<CharT> text(s.begin(), s.end());
-    switch (scan_text(text, AS_STRTOD).kind) {
-    case ScanKind::bad_infinity:
-        throw std::invalid_argument("'infinity' expected");
-    case ScanKind::bad_nan:
-        throw std::invalid_argument("'nan' expected");
-    case ScanKind::no_digits:
-        throw std::invalid_argument("decimal digit expected");
-    default:
-        throw std::out_of_range(OUT_OF_RANGE<T>);
-    }
+    const ScanKind kind = scan_text(text, AS_STRTOD).kind;
+    if (is_failure(kind))
+        throw std::invalid_argument(what_is_missing(kind));
+    throw std::out_of_range(OUT_OF_RANGE<T>);
 }
 
 // What a long double is computed as.

@@ -115,14 +115,8 @@ SplitDecimal careful_digits(Float value) noexcept
 
 SplitDecimal careful_digits(binary16 value) noexcept
 {
-    constexpr unsigned LEAST_NORMAL = 0x400;
-    const unsigned fraction = value.bits & (LEAST_NORMAL - 1);
-    const int biased = value.bits >> 10 & 0x1F;
-    const BinaryValue binary = biased == 0
-                                   ? BinaryValue{fraction, -24}
-                                   : BinaryValue{fraction | LEAST_NORMAL, biased - 25};
-    return split(
-        numconv::exact_digits(binary, numconv::BINARY16_SHAPE, numconv::BINARY16_DIGITS));
+    return split(numconv::exact_digits(
+        numconv::binary_value(value), numconv::BINARY16_SHAPE, numconv::BINARY16_DIGITS));
 }
 
 template <class Float, class CharT>

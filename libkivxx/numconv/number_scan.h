@@ -35,6 +35,20 @@ enum class ScanKind {
     bad_nan,
 };
 
+constexpr bool is_failure(ScanKind kind) noexcept
+{
+    return kind == ScanKind::no_digits || kind == ScanKind::bad_infinity ||
+           kind == ScanKind::bad_nan;
+}
+
+// For the failures.
+constexpr const char* what_is_missing(ScanKind kind) noexcept
+{
+    return kind == ScanKind::bad_infinity ? "'infinity' expected"
+           : kind == ScanKind::bad_nan    ? "'nan' expected"
+                                          : "decimal digit expected";
+}
+
 template <class CharT>
 struct NumberScan {
     ScanKind kind;
