@@ -295,7 +295,7 @@ protected:
 
     const std::filesystem::path m_path =
         std::filesystem::temp_directory_path() /
-        ("kiv_" + std::to_string(reinterpret_cast<std::uintptr_t>(this)));
+        ("kiv_stream_test_" + std::to_string(getpid()));  // tests run side by side
 };
 
 // Sizes around those of the arrays inside, pairs across their boundaries.
