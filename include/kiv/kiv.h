@@ -9,6 +9,7 @@
 #include <kiv/char16.h>
 #include <kiv/character.h>
 #include <kiv/charset.h>
+#include <kiv/code_points.h>
 #include <kiv/decimal.h>
 #include <kiv/export.h>
 #include <kiv/kdecimal.h>

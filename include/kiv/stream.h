@@ -256,7 +256,6 @@ public:
     uostream& operator<<(const char16* text);
     uostream& operator<<(const char16_t* text);
     uostream& operator<<(const char* text);
-    uostream& operator<<(std::u16string_view text);
     uostream& operator<<(std::string_view text);
     uostream& operator<<(char16 unit);
     uostream& operator<<(char16_t unit);

@@ -9,6 +9,9 @@
 //
 // Nothing is copied until a string is asked for. The text must outlive the
 // view and needs no terminator. Units are compared as unsigned values.
+//
+// Views convert from and to std::basic_string_view; a view of char16 also
+// from and to char16_t's, u"literals" and std::u16string included.
 
 #ifndef KIV_STRING_REF_H
 #define KIV_STRING_REF_H
@@ -16,9 +19,12 @@
 #include <algorithm>
 #include <array>
 #include <compare>
+#include <concepts>
 #include <cstddef>
+#include <functional>
 #include <iosfwd>
 #include <iterator>
+#include <ranges>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -29,6 +35,15 @@
 #include <kiv/export.h>
 
 namespace kiv {
+
+namespace detail {
+
+// The standard views of the text that a view of CharT can have.
+template <class View, class CharT>
+concept standard_view_of = std::same_as<View, std::basic_string_view<CharT>> ||
+    (std::same_as<CharT, char16>&& std::same_as<View, std::u16string_view>);
+
+}  // namespace detail
 
 template <class CharT>
 class KIV_API basic_string_ref {
@@ -67,6 +82,21 @@ public:
     }
     constexpr basic_string_ref(std::basic_string_view<CharT> s) noexcept
         : m_data(s.data()), m_size(s.size())
+    {
+    }
+
+    // Text of char16_t has the layout of char16's.
+    basic_string_ref(std::u16string_view s) noexcept requires std::same_as<CharT, char16>
+        : m_data(reinterpret_cast<const char16*>(s.data())), m_size(s.size())
+    {
+    }
+    basic_string_ref(
+        const std::u16string& s) noexcept requires std::same_as<CharT, char16>
+        : basic_string_ref(std::u16string_view(s))
+    {
+    }
+    basic_string_ref(const char16_t* s) requires std::same_as<CharT, char16>
+        : basic_string_ref(std::u16string_view(s))
     {
     }
 
@@ -119,6 +149,14 @@ public:
         m_size -= n;
     }
     constexpr void remove_suffix(size_type n) { m_size -= n; }
+
+    // --- Views of the standard library --------------------------------------
+
+    constexpr operator std_view() const noexcept { return {m_data, m_size}; }
+    operator std::u16string_view() const noexcept requires std::same_as<CharT, char16>
+    {
+        return {reinterpret_cast<const char16_t*>(m_data), m_size};
+    }
 
     // --- Copies ------------------------------------------------------------
 
@@ -205,6 +243,37 @@ public:
     {
         return a.compare(b) <=> 0;
     }
+    // Without these, the standard's views could be compared in two ways.
+    template <detail::standard_view_of<CharT> View>
+    friend constexpr bool operator==(basic_string_ref a, View b) noexcept
+    {
+        return a == basic_string_ref(b);
+    }
+    template <detail::standard_view_of<CharT> View>
+    friend constexpr std::strong_ordering operator<=>(basic_string_ref a, View b) noexcept
+    {
+        return a <=> basic_string_ref(b);
+    }
+
+    constexpr bool starts_with(basic_string_ref v) const noexcept
+    {
+        return m_size >= v.m_size && basic_string_ref(m_data, v.m_size) == v;
+    }
+    constexpr bool starts_with(CharT c) const noexcept
+    {
+        return m_size != 0 && m_data[0] == c;
+    }
+    constexpr bool ends_with(basic_string_ref v) const noexcept
+    {
+        return m_size >= v.m_size &&
+               basic_string_ref(m_data + (m_size - v.m_size), v.m_size) == v;
+    }
+    constexpr bool ends_with(CharT c) const noexcept
+    {
+        return m_size != 0 && m_data[m_size - 1] == c;
+    }
+    constexpr bool contains(basic_string_ref v) const noexcept { return find(v) != npos; }
+    constexpr bool contains(CharT c) const noexcept { return find(c) != npos; }
 
     // --- Search: a position or npos, by the rules of std::string_view -------
 
@@ -425,5 +494,30 @@ constexpr basic_string_ref<char16> operator""_usv() noexcept
 
 }  // namespace literals
 }  // namespace kiv
+
+template <class CharT>
+inline constexpr bool std::ranges::enable_view<kiv::basic_string_ref<CharT>> = true;
+template <class CharT>
+inline constexpr bool std::ranges::enable_borrowed_range<kiv::basic_string_ref<CharT>> =
+    true;
+
+// Equal text has equal hash values, whether in a view or in a string.
+template <class CharT>
+struct std::hash<kiv::basic_string_ref<CharT>> {
+    std::size_t operator()(kiv::basic_string_ref<CharT> text) const noexcept
+    {
+        using unit =
+            std::conditional_t<std::is_same_v<CharT, kiv::char16>, char16_t, CharT>;
+        return std::hash<std::basic_string_view<unit>>()(text);
+    }
+};
+
+template <>
+struct std::hash<kiv::ustring> {
+    std::size_t operator()(const kiv::ustring& text) const noexcept
+    {
+        return std::hash<kiv::basic_string_ref<kiv::char16>>()(text);
+    }
+};
 
 #endif

@@ -167,12 +167,7 @@ uostream& uostream::operator<<(const char16_t* text)
 {
     if (!text)
         return *this << static_cast<const char16*>(nullptr);
-    return *this << std::u16string_view(text);
-}
-
-uostream& uostream::operator<<(std::u16string_view text)
-{
-    return *this << ustring(text.begin(), text.end());
+    return *this << basic_string_ref<char16>(text);
 }
 
 uostream& uostream::operator<<(const char* text)

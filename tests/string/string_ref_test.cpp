@@ -2,13 +2,16 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <functional>
 #include <random>
+#include <ranges>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <tuple>
 #include <type_traits>
+#include <unordered_set>
 
 #include <gtest/gtest.h>
 
@@ -237,7 +240,55 @@ TYPED_TEST(StringRef, SearchFamily)
         KIV_SEARCH(find_last_of);
         KIV_SEARCH(find_last_not_of);
 #undef KIV_SEARCH
+        EXPECT_EQ(v.starts_with(w), m.starts_with(n));
+        EXPECT_EQ(v.ends_with(w), m.ends_with(n));
+        EXPECT_EQ(v.contains(w), m.find(n) != m.npos);
+        EXPECT_EQ(v.starts_with(c), m.starts_with(d));
+        EXPECT_EQ(v.ends_with(c), m.ends_with(d));
+        EXPECT_EQ(v.contains(c), m.find(d) != m.npos);
+        EXPECT_EQ(std::hash<basic_string_ref<TypeParam>>()(v),
+                  std::hash<basic_string_ref<TypeParam>>()(decltype(text)(text)));
     }
+}
+
+// A text in every type that holds it: equal in either order, and before a longer one.
+template <class View, class... Texts>
+void expect_one_text(View view, const Texts&... texts)
+{
+    const typename View::value_type longer_units[] = {view[0], view[1], u'!'};
+    const View longer(longer_units, 3);
+    const auto check = [&](const auto& text) {
+        EXPECT_TRUE(view == text && text == view && longer != text && text != longer);
+        EXPECT_TRUE(text < longer && longer > text && view <= text && text >= view);
+        EXPECT_TRUE(longer.starts_with(text) && view.find(text) == 0);
+        EXPECT_EQ(View(text).size(), view.size());
+    };
+    (check(texts), ...);
+}
+
+TEST(StringRefConversion, FromAndToTheStandards)
+{
+    const basic_string_ref<char> bytes = "ab";
+    expect_one_text(bytes, bytes, std::string_view("ab"), std::string("ab"), "ab");
+    const basic_string_ref<char16> text = u"ab"_usv;
+    expect_one_text(text, text, std::basic_string_view<char16>(text), u"ab"_us,
+                    std::u16string_view(u"ab"), std::u16string(u"ab"), u"ab");
+
+    const std::string_view standard = bytes;
+    const std::u16string_view units = text;
+    EXPECT_TRUE(standard == "ab" && units == u"ab" && units.size() == text.size());
+    std::string copy(bytes);
+    copy = bytes;
+    kiv::ustring wide = text;
+    wide = text;
+    wide += text;
+    EXPECT_TRUE(copy == "ab" && wide == u"abab"_us);
+    static_assert(std::ranges::view<basic_string_ref<char>> &&
+                  std::ranges::borrowed_range<basic_string_ref<char16>>);
+    const std::unordered_set<kiv::ustring> words{u"one"_us, u"two"_us};
+    EXPECT_TRUE(words.contains(u"two"_us) && !words.contains(u"2"_us));
+    EXPECT_EQ(std::hash<kiv::ustring>()(wide),
+              std::hash<basic_string_ref<char16>>()(u"abab"));
 }
 
 TEST(StringRefLiteral, Usv)
