@@ -116,7 +116,7 @@ private:
 bool ends_group(const char* grouping, int exponent) noexcept
 {
     for (;; ++grouping) {
-        const int size = static_cast<signed char>(*grouping);
+        const auto size = static_cast<signed char>(*grouping);
         if (size <= 0 || size == SCHAR_MAX || exponent < size)
             return false;
         if (grouping[1] == 0)

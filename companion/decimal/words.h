@@ -178,6 +178,8 @@ constexpr Quotient<uint128> divide_wide(const uint256& a, uint128 b) noexcept
 {
     if (a.high == 0 && high_word(a.low | b) == 0)
         return {low_word(a.low) / low_word(b), low_word(a.low) % low_word(b)};
+    if (b == 0)
+        __builtin_unreachable();
     const int shift = 128 - bit_length(b);
     const uint256 dividend = a << shift;
     b <<= shift;

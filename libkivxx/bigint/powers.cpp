@@ -296,7 +296,7 @@ int big_uint::ilog10(unsigned bits) const
         throw std::invalid_argument("big_uint::ilog10: not the bit length");
     if (bits > LOG10_ESTIMATES.size())
         return ilog10_of_long(bits - 1);
-    const int estimate = LOG10_ESTIMATES[bits - 1];
+    const std::int8_t estimate = LOG10_ESTIMATES[bits - 1];
     if (estimate >= 0)
         return estimate;
     const int k = -estimate;

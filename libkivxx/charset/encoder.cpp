@@ -68,6 +68,7 @@ CharsetEncoder& CharsetEncoder::replaceWith(basic_string_ref<char> replacement)
         !isLegalReplacement(replacement))
         throw std::invalid_argument("CharsetEncoder::replaceWith");
     m_replacement = replacement.to_string();
+    // A constructor means its own: NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.*)
     implReplaceWith(m_replacement);
     return *this;
 }
