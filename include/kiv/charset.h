@@ -360,7 +360,7 @@ public:
 
 protected:
     // Throws std::logic_error: charsets are not meant to die.
-    virtual ~Charset() noexcept(false);
+    virtual ~Charset() noexcept(false);  // NOLINT(bugprone-exception-escape)
 
 public:
     Charset(const Charset&) = delete;

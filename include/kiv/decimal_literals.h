@@ -102,13 +102,13 @@ constexpr D assemble(KDecimal128 coefficient, int exponent) noexcept
                                          : std::uint32_t{3} << 29 | biased << 21 |
                                                (c & 0x1FFFFF)});
     } else if constexpr (std::is_same_v<D, decimal64>) {
-        const auto biased = static_cast<std::uint64_t>(exponent + 398);
+        const auto biased = static_cast<std::uint64_t>(exponent) + 398;
         const std::uint64_t c = coefficient.low;
         return D(KDecimal64{c >> 53 == 0 ? biased << 53 | c
                                          : std::uint64_t{3} << 61 | biased << 51 |
                                                (c & 0x7FFFFFFFFFFFF)});
     } else {
-        const auto biased = static_cast<std::uint64_t>(exponent + 6176);
+        const auto biased = static_cast<std::uint64_t>(exponent) + 6176;
         return D(KDecimal128{coefficient.low, biased << 49 | coefficient.high});
     }
 }

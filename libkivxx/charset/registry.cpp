@@ -269,7 +269,7 @@ Charset::Charset(int mib, const NameView& name, std::initializer_list<NameView> 
 
 // Only a charset that should never have been destroyed comes here: at least no
 // look-up finds it afterwards.
-Charset::~Charset() noexcept(false)
+Charset::~Charset() noexcept(false)  // NOLINT(bugprone-exception-escape)
 {
     delete m_defaultDecoder.load();
     delete m_defaultEncoder.load();

@@ -39,8 +39,10 @@ public:
     FixedUint(const FixedUint& other) noexcept { *this = other; }
     FixedUint& operator=(const FixedUint& other) noexcept
     {
-        m_size = other.m_size;
-        std::copy_n(other.m_limbs, m_size, m_limbs);
+        if (this != &other) {
+            m_size = other.m_size;
+            std::copy_n(other.m_limbs, m_size, m_limbs);
+        }
         return *this;
     }
 
