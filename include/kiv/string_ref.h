@@ -36,12 +36,20 @@
 
 namespace kiv {
 
+template <class CharT>
+class basic_string_ref;
+
 namespace detail {
 
 // The standard views of the text that a view of CharT can have.
 template <class View, class CharT>
 concept standard_view_of = std::same_as<View, std::basic_string_view<CharT>> ||
     (std::same_as<CharT, char16>&& std::same_as<View, std::u16string_view>);
+
+template <class Text, class CharT>
+concept char16_text =
+    std::same_as<CharT, char16> && !std::same_as<Text, basic_string_ref<CharT>> &&
+    std::convertible_to<const Text&, std::u16string_view>;
 
 }  // namespace detail
 
@@ -85,18 +93,12 @@ public:
     {
     }
 
-    // Text of char16_t has the layout of char16's.
-    basic_string_ref(std::u16string_view s) noexcept requires std::same_as<CharT, char16>
-        : m_data(reinterpret_cast<const char16*>(s.data())), m_size(s.size())
-    {
-    }
-    basic_string_ref(
-        const std::u16string& s) noexcept requires std::same_as<CharT, char16>
-        : basic_string_ref(std::u16string_view(s))
-    {
-    }
-    basic_string_ref(const char16_t* s) requires std::same_as<CharT, char16>
-        : basic_string_ref(std::u16string_view(s))
+    // A std::u16string_view and what converts to one. Templates, because clang++ 14
+    // instantiates members that are not, whatever they require.
+    template <detail::char16_text<CharT> Text>
+    basic_string_ref(const Text& s) noexcept(
+        std::is_nothrow_convertible_v<const Text&, std::u16string_view>)
+        : basic_string_ref(units_of(s))
     {
     }
 
@@ -153,7 +155,9 @@ public:
     // --- Views of the standard library --------------------------------------
 
     constexpr operator std_view() const noexcept { return {m_data, m_size}; }
-    operator std::u16string_view() const noexcept requires std::same_as<CharT, char16>
+    template <std::same_as<std::u16string_view> View>
+    requires std::same_as<CharT, char16>
+    operator View() const noexcept
     {
         return {reinterpret_cast<const char16_t*>(m_data), m_size};
     }
@@ -390,6 +394,12 @@ public:
     }
 
 private:
+    // Text of char16_t has the layout of char16's.
+    static basic_string_ref units_of(std::u16string_view s) noexcept
+    {
+        return {reinterpret_cast<const CharT*>(s.data()), s.size()};
+    }
+
     constexpr std_view view() const noexcept { return {m_data, m_size}; }
 
     constexpr size_type size_from(size_type pos, const char* operation) const
