@@ -7,108 +7,37 @@
 
 #include <algorithm>
 #include <bit>
-#include <cerrno>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <limits>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <type_traits>
 
 #include <kiv/numconv.h>
 
+#include "fuzz_support.h"
 #include "numconv/parse_kernels.h"
+#include "parsing_shapes.h"
+
+KIV_FUZZ_PARSER(int, i);
+KIV_FUZZ_PARSER(long long, ll);
+KIV_FUZZ_PARSER(unsigned, ui);
+KIV_FUZZ_PARSER(unsigned long long, ull);
+KIV_FUZZ_PARSER(float, f);
+KIV_FUZZ_PARSER(double, d);
 
 namespace {
+
+using namespace kivfuzz;
 
 using kiv::char16;
 using kiv::number_range;
 
-void require(bool ok)
-{
-    if (!ok)
-        std::abort();
-}
-
-// Zeros differ by their sign; NaNs are all alike.
-template <class T>
-bool same(T a, T b)
-{
-    return a == b ? std::signbit(a) == std::signbit(b) : a != a && b != b;
-}
-
-// An array of the text's exact size, so that a step beyond it is seen.
-template <class CharT>
-std::unique_ptr<CharT[]> exact_copy(const std::basic_string<CharT>& text, bool terminator)
-{
-    const std::size_t n = text.size() + (terminator ? 1 : 0);
-    auto copy = std::make_unique<CharT[]>(n);
-    std::copy_n(text.data(), n, copy.get());
-    return copy;
-}
-
 // --- From text -----------------------------------------------------------------------
-
-#define KIV_FUZZ_FUNCTIONS(T, suffix)          \
-    T strto(T, auto... how)                    \
-    {                                          \
-        return kiv::strto##suffix##_c(how...); \
-    }                                          \
-    T sto(T, auto&&... how)                    \
-    {                                          \
-        return kiv::sto##suffix##_c(how...);   \
-    }
-KIV_FUZZ_FUNCTIONS(int, i)
-KIV_FUZZ_FUNCTIONS(long long, ll)
-KIV_FUZZ_FUNCTIONS(unsigned, ui)
-KIV_FUZZ_FUNCTIONS(unsigned long long, ull)
-KIV_FUZZ_FUNCTIONS(float, f)
-KIV_FUZZ_FUNCTIONS(double, d)
-
-template <class T>
-struct Outcome {
-    T value;
-    std::size_t end;
-    bool found, above;
-
-    bool operator==(const Outcome& o) const
-    {
-        return same(value, o.value) && end == o.end && found == o.found &&
-               above == o.above;
-    }
-};
-
-template <class T, class CharT>
-Outcome<T> by_pointer(const std::basic_string<CharT>& text, auto... base)
-{
-    const auto units = exact_copy(text, true);
-    CharT* end = nullptr;
-    errno = 0;
-    const T value = strto(T(), static_cast<const CharT*>(units.get()), &end, base...);
-    return {value, static_cast<std::size_t>(end - units.get()), end != units.get(),
-            errno == ERANGE};
-}
-
-// By parse(&idx), which throws where the pointer shape returns `limit`.
-template <class T>
-Outcome<T> by_exceptions(T limit, auto parse)
-{
-    std::size_t idx = 0;
-    try {
-        const T value = parse(&idx);
-        return {value, idx, true, false};
-    } catch (const std::invalid_argument&) {
-        require(idx == 0);
-        return {0, 0, false, false};
-    } catch (const std::out_of_range&) {
-        return {limit, idx, true, true};
-    }
-}
 
 // Whether from_chars_c does what the other functions do: a number has at most 20 digits
 // and an exponent of at most nine, and no unsigned number has a sign.
@@ -132,22 +61,9 @@ bool from_chars_agrees(const std::basic_string<CharT>& text, std::size_t end)
 template <class T, class CharT>
 Outcome<T> parse(const std::basic_string<CharT>& text, auto... base)
 {
-    const Outcome<T> first = by_pointer<T>(text, base...);
+    const Outcome<T> first = by_all_shapes<T>(text, base...);
     const auto units = exact_copy(text, false);
     const kiv::basic_string_ref<CharT> view(units.get(), text.size());
-    require(first == by_exceptions(first.value, [&](std::size_t* idx) {
-                return sto(T(), view, idx, base...);
-            }));
-    kiv::BasicCharIterator<CharT> it(view);
-    require(first == by_exceptions(first.value, [&](std::size_t* idx) {
-                struct SetIndex {
-                    ~SetIndex() { *idx = it.position(); }
-                    std::size_t* idx;
-                    kiv::BasicCharIterator<CharT>& it;
-                } set_index{idx, it};
-                return sto(T(), it, base...);
-            }));
-
     T value = 0;
     const auto allowed = kiv::leading::plus | kiv::leading::white_space;
     const auto result =
@@ -185,6 +101,19 @@ void expect_as_c_library(const std::string& text)
 
 // --- To text -------------------------------------------------------------------------
 
+// Room for fewer units than the text has is refused, and nothing behind it is touched.
+template <class CharT, class T>
+void expect_needs_room(T value, std::size_t size, auto... how)
+{
+    for (const std::size_t n : {size / 2, size - 1, size}) {
+        const auto room = std::make_unique<CharT[]>(n);
+        CharT* const end = room.get() + n;
+        const auto result = kiv::to_chars_c(room.get(), end, value, how...);
+        require(result.ptr == end);
+        require(result.ec == (n < size ? std::errc::value_too_large : std::errc()));
+    }
+}
+
 template <class T>
 void expect_reads_back(T value, auto... base)
 {
@@ -193,6 +122,8 @@ void expect_reads_back(T value, auto... base)
     const auto end = kiv::to_chars_c(room, room + 128, value, base...).ptr;
     const auto wide_end = kiv::to_chars_c(wide_room, wide_room + 128, value, base...).ptr;
     require(kiv::ustring(room, end) == kiv::ustring(wide_room, wide_end));
+    expect_needs_room<char>(value, std::size_t(end - room), base...);
+    expect_needs_room<char16>(value, std::size_t(end - room), base...);
     T again = 0;
     const auto result = kiv::from_chars_c(room, end, again, base...);
     require(result.ptr == end && result.ec == std::errc() && same(value, again));
@@ -202,17 +133,83 @@ void expect_reads_back(T value, auto... base)
     }
 }
 
+// The C library's exponent has a sign and two digits at least: 1.5e+02, here 1.5E2.
+std::string plain_exponent(const std::string& text)
+{
+    const std::size_t letter = text.find('e');
+    return letter == text.npos ? text
+                               : text.substr(0, letter) + "E" +
+                                     std::to_string(std::stoi(text.substr(letter + 1)));
+}
+
 template <class T>
-void expect_exact_digits(T value, int precision)
+void expect_exact_digits(T value, std::chars_format format, int precision)
 {
     if (!std::isfinite(value))
         return;
     char room[512], there[512];
-    const auto end =
-        kiv::to_chars_c(room, room + 512, value, std::chars_format::fixed, precision).ptr;
-    const int n =
-        std::snprintf(there, sizeof there, "%.*f", precision, static_cast<double>(value));
-    require(std::string(room, end) == std::string(there, static_cast<std::size_t>(n)));
+    const auto end = kiv::to_chars_c(room, room + 512, value, format, precision).ptr;
+    std::snprintf(there, sizeof there,
+                  format == std::chars_format::fixed ? "%.*f" : "%.*e", precision,
+                  static_cast<double>(value));
+    require(std::string(room, end) == plain_exponent(there));
+    expect_needs_room<char>(value, std::size_t(end - room), format, precision);
+}
+
+void expect_half_reads_back(kiv::binary16 half)
+{
+    char room[32];
+    const auto end = kiv::to_chars_c(room, room + 32, half).ptr;
+    double value = 0;
+    const auto result = kiv::from_chars_c(static_cast<const char*>(room),
+                                          static_cast<const char*>(end), value);
+    require(result.ptr == end && result.ec == std::errc());
+    require(kiv::is_nan(half) || kiv::_double_to_binary16(value).bits == half.bits);
+    require(same(static_cast<float>(kiv::_binary16_to_double(half)),
+                 kiv::_binary16_to_float(half)));
+    require(kiv::to_string_c(half) == std::string(room, end));
+}
+
+// --- Assembly ------------------------------------------------------------------------
+
+template <class T>
+void expect_assembled(bool negative, const std::string& decimal,
+                      const std::string& hexadecimal, T made, T packed)
+{
+    const auto there = [negative](const std::string& text) {
+        T value;
+        if constexpr (sizeof(T) == 4)
+            value = std::strtof(text.c_str(), nullptr);
+        else
+            value = std::strtod(text.c_str(), nullptr);
+        return negative ? -value : value;
+    };
+    require(same(made, there(decimal)) && same(packed, there(hexadecimal)));
+}
+
+// A long coefficient and both kinds of exponent, beside the C library.
+void check_assembly(Bytes bytes)
+{
+    const bool negative = bytes.one_in(2);
+    const int exponent = static_cast<int>(bytes.below(2400)) - 1200;
+    kiv::big_uint coefficient;
+    coefficient.set_size(1 + bytes.below(10));
+    std::string hexadecimal = "0x";
+    for (unsigned i = 0; i < coefficient.size(); ++i)
+        coefficient[i] = bytes.number(4);
+    for (unsigned i = coefficient.size(); i-- > 0;) {
+        char word[9];
+        std::snprintf(word, sizeof word, "%08x", coefficient[i]);
+        hexadecimal += word;
+    }
+    hexadecimal.append("p").append(std::to_string(exponent));
+    const std::string decimal = coefficient.to_string() + "e" + std::to_string(exponent);
+    expect_assembled(negative, decimal, hexadecimal,
+                     kiv::make_float(negative, exponent, coefficient),
+                     kiv::pack_float(negative, exponent, coefficient));
+    expect_assembled(negative, decimal, hexadecimal,
+                     kiv::make_double(negative, exponent, coefficient),
+                     kiv::pack_double(negative, exponent, coefficient));
 }
 
 // --- All of it -----------------------------------------------------------------------
@@ -239,7 +236,8 @@ void check_float(const std::string& text, const kiv::ustring& units, int precisi
         require(narrow == wide);
     expect_as_c_library<T>(text);
     expect_reads_back(wide.value);
-    expect_exact_digits(wide.value, precision);
+    expect_exact_digits(wide.value, std::chars_format::fixed, precision);
+    expect_exact_digits(wide.value, std::chars_format::scientific, precision);
 }
 
 void check(const std::string& text, const kiv::ustring& units, int how, bool ascii)
@@ -269,14 +267,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     check(text, kiv::ustring(text.begin(), text.end()), data[0], ascii);
 
     // The same bytes as any code units, the lower of which come often enough.
-    kiv::ustring units;
-    for (std::size_t i = 1; i + 1 < size; i += 2)
-        units += static_cast<char16_t>(data[i] | data[i + 1] << 8);
-    check(text, units, data[0], false);
+    check(text, units_of(text), data[0], false);
 
     std::uint64_t bits = 0;
     std::memcpy(&bits, data, std::min(size, sizeof bits));
     expect_reads_back(std::bit_cast<double>(bits));
     expect_reads_back(std::bit_cast<float>(static_cast<std::uint32_t>(bits)));
+    expect_half_reads_back({static_cast<std::uint16_t>(bits)});
+    check_assembly(Bytes(data, size));
     return 0;
 }
